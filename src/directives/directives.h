@@ -1,0 +1,12 @@
+// Handlers of directives and dollar controls.
+#pragma once
+
+#include "driver/assembler.h"
+
+namespace ta51 {
+
+int ProcessDirective(Assembler& as, int code);
+int ProcessControl(Assembler& as, int code);
+int UsingDirective(Assembler& as);
+
+}  // namespace ta51

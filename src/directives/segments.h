@@ -1,0 +1,24 @@
+// Segment directives and the current segment.
+#pragma once
+
+#include <cstdint>
+
+#include "driver/assembler.h"
+
+namespace ta51 {
+
+// Directive codes of the absolute segment keywords.
+enum : int { kCodeCSEG = 46, kCodeDSEG = 47, kCodeXSEG = 48, kCodeISEG = 49, kCodeBSEG = 50 };
+
+SegmentEntry* NewSegment(Assembler& as, int32_t type);
+int SelectAbsoluteSegment(Assembler& as, int code, bool readAt, uint32_t address, bool forced);
+void CreatePredefinedSegments(Assembler& as);
+// Positions back to their start for a new pass.
+void RewindSegments(Assembler& as);
+int SegmentDirective(Assembler& as);
+int RsegDirective(Assembler& as);
+int OrgDirective(Assembler& as);
+// Keyword test at the read offset, case ignored, followed by one of `follow`.
+bool MatchKeyword(Assembler& as, const char* keyword, const char* follow);
+
+}  // namespace ta51

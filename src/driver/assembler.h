@@ -1,0 +1,215 @@
+// One assembly run: its settings, its files, the state of the pass and of the
+// current line, and the subsystems. Nothing of a run lives outside this object,
+// so a run can be repeated in-process with identical results.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "directives/segment_entry.h"
+#include "platform/input_file.h"
+#include "symbols/symbol_table.h"
+
+namespace ta51 {
+
+// A switch whose low seven bits hold the value and whose bit 7 locks it.
+struct OptionFlag {
+  uint32_t bits = 0;
+  int Value() const { return static_cast<int>(bits & 0x7F); }
+  bool Locked() const { return (bits & 0x80) != 0; }
+  explicit operator bool() const { return Value() != 0; }
+};
+
+struct OptionFlags {
+  OptionFlag CLIST, MC, MD, MEX, OBJ, PAGE, SEQ, SYM, UNA, LIST, NOCASE, IHEX, LISTF;
+  OptionFlag InPageOption, ProcessorMode, PredefinedSymbolsEnabled, DEBUG;
+};
+
+// The text of the current line and the shared read offset. The text always
+// ends in a new line; reading past its end gives the terminating zero.
+struct LineCursor {
+  std::string text;
+  int32_t offset = 0;
+
+  char At(int32_t position) const {
+    return position >= 0 && static_cast<size_t>(position) < text.size() ? text[position] : '\0';
+  }
+  char Peek() const { return At(offset); }
+  const char* Here() const { return Pointer(offset); }
+  const char* Pointer(int32_t position) const {
+    if (position < 0) position = 0;
+    if (static_cast<size_t>(position) > text.size()) position = static_cast<int32_t>(text.size());
+    return text.c_str() + position;
+  }
+};
+
+// One relocatable field of a statement.
+struct OperandSlot {
+  std::string text;
+  int8_t FixupSize = 0;
+  int8_t FixupOffset = 0;
+  int32_t FixupSpace = 2;
+
+  void Clear() {
+    text.clear();
+    FixupOffset = 0;
+  }
+};
+constexpr size_t kOperandSlotCapacity = 15360;
+constexpr int8_t kWholeInstructionFixup = 20;
+
+// Thrown by Terminate; caught only by the entry point.
+struct RunTerminated {
+  bool success;
+};
+
+// Console streams of a run; tests replace them.
+struct Console {
+  FILE* out = stdout;
+  FILE* err = stderr;
+  FILE* in = stdin;
+};
+
+struct Assembler {
+  explicit Assembler(Console streams) : console(streams) {}
+  Assembler(const Assembler&) = delete;
+  Assembler& operator=(const Assembler&) = delete;
+  ~Assembler();
+
+  Console console;
+
+  // --- Settings of the command line -------------------------------------
+  OptionFlags opt;
+  bool CommandLinePhase = true;
+  int32_t ZvedCount = 0;
+  bool CL = false;
+  bool NOLOGO = false;
+  bool WX = false;
+  bool Ft = false;
+  std::optional<std::string> ModuleNameOption;
+  int32_t ListSourceColumn = 22;
+  int32_t LabelFieldWidth = 10;
+  int32_t OpcodeFieldWidth = 10;
+  int32_t OperandFieldWidth = 18;
+  int32_t ListLineLimit = 0;
+  int32_t PageWidth = 80;
+  int32_t PageLength = 66;
+  bool PercentDialect = false;
+
+  // --- Files ----------------------------------------------------------
+  std::string SourceName, ObjectName, ListName;
+  std::string CurrentFileName;
+  std::unique_ptr<InputFile> SourceStream;
+  FILE* ListStream = nullptr;
+  bool ListIsConsole = false;  // ListName is "CON.LST"
+  FILE* SizeFile = nullptr;
+  std::string SizeFileName;
+  bool SizeFileExists = false;
+  FILE* ObjectStream = nullptr;
+  FILE* BodyFile = nullptr;
+  std::string BodyFileName;
+  bool BodyFileExists = false;
+  FILE* FinalObjectStream = nullptr;
+  std::string RunTime;  // ctime form, 24 characters
+
+  // --- Run state --------------------------------------------------------
+  int32_t ErrorCount = 0;
+  int32_t WarningCount = 0;
+  uint32_t TotalBytes = 0;
+  int32_t SecondPass = 0;
+  bool EndSeen = false;
+  bool InIncludeFile = false;
+  uint32_t LineNumber = 0;
+  bool SequenceNumbered = false;
+  int64_t SequenceNumber = 0;
+  int32_t NextExternalIndex = 1;
+  int32_t NextDebugNumber = 40000;
+  int32_t NextDebugTypeNumber = 40000;
+  std::string ModuleName, ModuleFileName;
+  int32_t ConditionalDepth = 0;
+  int32_t ControlConditionalDepth = 0;
+  int32_t UniqueLabelCounter = 0;
+  bool InMacroExpansion = false;
+  bool FromSourceFile = true;
+  bool DebugFileSeen = false;
+  bool NameIsSet = false;
+  std::string ExplicitModuleName;
+  std::string TitleText;
+  bool RegisterBankUsed[4] = {false, false, false, false};
+  int32_t PercentInstanceCounter = 0;
+  int32_t MacroCommentOption = 0;
+  bool Additions8052Entered[2] = {false, false};  // upper, lower case half
+  int32_t IncludeDepth = 0;
+  bool AssemblyStarted = false;  // files may exist from here on
+
+  // --- List file page state --------------------------------------------
+  int32_t PageNumber = 0;
+  int32_t LineCount = 0;
+  bool NewPageWanted = false;
+  bool WidthChanged = false;
+
+  // --- Per-line state ---------------------------------------------------
+  LineCursor Line;
+  int32_t LabelOffset = 0, OpcodeOffset = 0, OperandOffset = 0, CommentOffset = 0;
+  bool LineHasLabel = false;
+  bool LineHasError = false;
+  bool ShowLineValue = true;
+  bool ListThisLine = true;
+  int32_t LineValue = 0;
+  bool BlankLine = false;
+  bool CommentLine = false;
+  bool SavedBytesFlag = false;
+  bool NeedsSizeByte = false;
+  uint8_t CodeBuffer[3] = {0, 0, 0};
+  int32_t CodeLength = 0;
+  OperandSlot OperandSlot1, OperandSlot2;
+  int32_t OperandValue = 0;
+  uint32_t ItemCount = 1, ItemSize = 1;
+  bool ItemIsText = false;
+  std::string OpcodeWord;
+  std::vector<uint8_t> DataListBuffer;
+
+  // --- Facts of the last expression -------------------------------------
+  bool ExprUndefined = false;
+  bool ExprRelocatable = false;
+  int32_t ExprRelocCount = 0;
+  int32_t ExprType = T_NUMBER;
+  SegmentEntry* ExprSegment = nullptr;
+  int32_t ExprTermCount = 0;
+  int32_t ExprSegmentOffset = 0;
+  bool ExprOperated = false;
+  bool ExprAdditiveOnly = true;
+  bool SegmentOperandWanted = false;
+  bool SimpleRelocOnly = false;
+  int ExprToken = 0;
+  int32_t ExprDepth = 0;  // nesting guard of the evaluator
+
+  // --- Symbols ------------------------------------------------------------
+  SymbolTable Symbols;
+  std::string NameBuffer;
+  SymbolEntry* FoundSymbol = nullptr;
+
+  // --- Segments -----------------------------------------------------------
+  SegmentTable Segments;
+  SegmentEntry* CurrentSegment = nullptr;
+  SegmentEntry* AbsCodeSegment = nullptr;
+  SegmentEntry* AbsDataSegment = nullptr;
+  SegmentEntry* AbsXdataSegment = nullptr;
+  SegmentEntry* AbsIdataSegment = nullptr;
+  SegmentEntry* AbsBitSegment = nullptr;
+
+  // --- Line reader --------------------------------------------------------
+  std::string Accumulator;
+  bool SavedFromSourceValid = false;
+  bool SavedFromSource = true;
+
+  // --- Diagnostics ----------------------------------------------------------
+  std::string MessageBuffer;
+  std::string UndefinedPublicName;  // handed over for error 73
+};
+
+}  // namespace ta51

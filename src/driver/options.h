@@ -1,0 +1,18 @@
+// Option keywords: command line, OPT statements and alone as a statement.
+#pragma once
+
+#include <string_view>
+
+#include "driver/assembler.h"
+
+namespace ta51 {
+
+constexpr int kNoOption = -1;
+
+// The code of an option keyword, case ignored, or kNoOption.
+int FindOption(std::string_view word);
+// Applies an option code; the statement result (2), or 0 after an error.
+int ProcessOption(Assembler& as, int code);
+int SetOptionFlag(Assembler& as, OptionFlag& flag, int value);
+
+}  // namespace ta51

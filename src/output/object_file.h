@@ -1,0 +1,23 @@
+// The object module: records, load items and the head of the module.
+#pragma once
+
+#include <cstdint>
+
+#include "driver/assembler.h"
+
+namespace ta51 {
+
+// printf-style record to ObjectStream; negative on failure.
+int WriteObjectRecord(Assembler& as, const char* format, ...) __attribute__((format(printf, 2, 3)));
+// Same, reporting error 25 on failure.
+void WriteCheckedRecord(Assembler& as, const char* format, ...) __attribute__((format(printf, 2, 3)));
+void WriteLoadItem(Assembler& as, const uint8_t* bytes, int count, bool isField, bool first, bool last,
+                   const OperandSlot* slot);
+// The LR record of the current instruction (second pass).
+void EmitInstruction(Assembler& as);
+void WriteSegmentSwitch(Assembler& as);
+void WriteModuleHead(Assembler& as);
+void WriteSegmentRecords(Assembler& as);
+void WriteSymbolRecords(Assembler& as);
+
+}  // namespace ta51

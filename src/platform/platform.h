@@ -1,0 +1,33 @@
+// The services of the operating system that a run uses: file names, temporary
+// files, the environment and the time.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+namespace ta51 {
+
+struct PathParts {
+  std::string drive;      // "C:" or empty
+  std::string directory;  // with its trailing separator
+  std::string name;
+  std::string extension;  // with its leading point, or empty
+};
+
+// Splits at `/` or `\`, with an optional drive letter and colon in front.
+PathParts SplitPath(const std::string& path);
+// Drive, directory and name joined: the path without its extension.
+std::string WithoutExtension(const std::string& path);
+// The absolute form of a path; the path itself if that cannot be made.
+std::string FullPath(const std::string& path);
+bool FileExists(const std::string& path);
+// An environment variable, or nullptr.
+const char* GetEnvironment(const char* name);
+// Makes a unique file "zvtmpXXXXXX" in the current directory and opens it
+// for reading and writing. Returns nullptr and leaves `name` empty on failure.
+FILE* CreateTemporaryFile(std::string& name);
+// The time of the run in the 24 characters of the ctime form. The variable
+// SOURCE_DATE_EPOCH, when set, fixes it, so that listings can be reproduced.
+std::string RunTimeText();
+
+}  // namespace ta51

@@ -1,0 +1,70 @@
+// Operand expressions: the value, the text for the linker and the facts
+// (type, segment, lone term) that the encoder and the directives read.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "driver/assembler.h"
+
+namespace ta51 {
+
+// Operator tokens.
+enum : int {
+  TOK_HIGH = 0x80,
+  TOK_LOW = 0x81,
+  TOK_BASE = 0x82,
+  TOK_SIZE = 0x83,
+  TOK_MUL = 0x84,
+  TOK_DIV = 0x85,
+  TOK_MOD = 0x86,
+  TOK_SHL = 0x87,
+  TOK_SHR = 0x88,
+  TOK_PLUS = 0x89,
+  TOK_MINUS = 0x8A,
+  TOK_EQ = 0x8B,
+  TOK_NE = 0x8C,
+  TOK_LT = 0x8D,
+  TOK_LE = 0x8E,
+  TOK_GT = 0x8F,
+  TOK_GE = 0x90,
+  TOK_NOT = 0x91,
+  TOK_AND = 0x92,
+  TOK_OR = 0x93,
+  TOK_XOR = 0x94,
+};
+
+constexpr size_t kFullTextCapacity = 2000;
+
+struct LoneRecord {
+  int32_t offset = 0;
+  SegmentEntry* segmentBefore = nullptr;
+  bool relocatableBefore = false;
+  int32_t typeAfter = T_NUMBER;
+};
+
+// The working object of one evaluation.
+struct ExprValue {
+  std::string FullText;
+  bool WantsText = false;
+  bool LeftIsAbsolute = true;
+  SegmentEntry* TermSegment = nullptr;
+  int32_t PrimaryCount = 0;
+  LoneRecord LoneHistory[2];
+  int LoneCount = 0;
+  bool TolerateUnknown = false;
+};
+
+// Thrown inside the evaluator only; EvaluateExpression catches it.
+struct CExpressionException {
+  std::string text;
+};
+
+// Evaluates the expression at the read offset. With `textBuffer` the
+// expression may hold relocatable terms, whose text lands there.
+int32_t EvaluateExpression(Assembler& as, ExprValue& expr, std::string* textBuffer,
+                           bool simpleRelocOnly = false);
+// Reads the next token at the read offset.
+int ScanToken(Assembler& as, bool skipBlanks);
+
+}  // namespace ta51

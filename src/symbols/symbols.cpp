@@ -1,0 +1,202 @@
+#include "symbols/symbols.h"
+
+#include <array>
+#include <cctype>
+
+#include "driver/diagnostics.h"
+#include "symbols/expression.h"
+
+namespace ta51 {
+
+namespace {
+
+constexpr std::array<std::string_view, 25> kReservedNames = {
+    "NARG", "R1",  "R2", "R3", "R4", "R5", "R6", "R7", "A",  "DPTR", "HIGH", "LOW", "MOD",
+    "SHL",  "SHR", "EQ", "NE", "LT", "LE", "GT", "GE", "NOT", "AND", "OR",   "XOR",
+};
+
+bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool NoCase(const Assembler& as) { return as.opt.NOCASE.Value() != 0; }
+bool PredefinedVisible(const Assembler& as) { return as.opt.PredefinedSymbolsEnabled.Value() != 0; }
+
+void ApplyDefinition(SymbolEntry& entry, const SymbolDefinition& d) {
+  entry.value = d.value;
+  entry.type = d.type;
+  entry.segment = d.segment;
+  entry.itemCount = d.itemCount;
+  entry.itemSize = d.itemSize;
+  entry.expression.assign(d.expression);
+}
+
+void SetTextFlag(Assembler& as, SymbolEntry& entry) {
+  if (as.ItemIsText)
+    entry.flags |= kSymText;
+  else
+    entry.flags &= static_cast<uint8_t>(~kSymText);
+}
+
+}  // namespace
+
+bool IsNameStart(char c) { return IsLetter(c) || c == '.' || c == '_' || c == '?'; }
+
+bool IsNameChar(char c) {
+  return IsLetter(c) || IsDigit(c) || c == '?' || c == '$' || c == '@' || c == '_' || c == '~';
+}
+
+int ReadName(Assembler& as, const char* text, bool allowDigit) {
+  as.NameBuffer.clear();
+  char first = text[0];
+  if (!(allowDigit && IsDigit(first))) {
+    if (!IsNameStart(first)) return 0;
+    if ((first == '.' || first == '_') && !IsNameChar(text[1])) return 0;
+  }
+  size_t length = 1;
+  while (IsNameChar(text[length])) ++length;
+  if (length > kMaxNameLength) {
+    ReportError(as, 12);
+    as.NameBuffer.clear();
+    return 0;
+  }
+  as.NameBuffer.assign(text, length);
+  return 1;
+}
+
+void SkipName(Assembler& as) {
+  LineCursor& line = as.Line;
+  ++line.offset;  // the first character is taken as given
+  while (IsNameChar(line.Peek())) ++line.offset;
+  if (line.Peek() == ':') ++line.offset;
+  ++line.offset;
+}
+
+int SkipSymbolName(Assembler& as) {
+  LineCursor& line = as.Line;
+  ++line.offset;
+  while (IsNameChar(line.Peek())) ++line.offset;
+  return ScanToken(as, true);
+}
+
+SymbolEntry* FindSymbol(Assembler& as, std::string_view name) {
+  return as.Symbols.Find(name, NoCase(as), PredefinedVisible(as));
+}
+
+int LookupSymbol(Assembler& as, const char* text, bool allowDigit) {
+  as.FoundSymbol = nullptr;
+  int found = ReadName(as, text, allowDigit);
+  if (as.LineHasError) return 0;
+  if (!found) {
+    ReportError(as, 11);
+    return 0;
+  }
+  as.FoundSymbol = FindSymbol(as, as.NameBuffer);
+  return as.FoundSymbol != nullptr ? as.FoundSymbol->type : 0;
+}
+
+void DefineSymbol(Assembler& as, const char* name, const SymbolDefinition& d) {
+  if (d.checkReserved && !IsFreeLabelName(name)) {
+    ReportError(as, 54);
+    return;
+  }
+  LookupSymbol(as, name, d.allowDigit);
+  if (as.LineHasError) return;
+  SymbolEntry* found = as.FoundSymbol;
+  if (found == nullptr) {
+    SymbolEntry entry;
+    entry.name = as.NameBuffer;
+    ApplyDefinition(entry, d);
+    entry.relocation = d.relocation;
+    entry.flags = static_cast<uint8_t>((d.settable ? kSymSettable : 0) | (d.predefined ? kSymPredefined : 0) |
+                                       (as.ItemIsText ? kSymText : 0) | (d.flag4 ? kSymFlag4 : 0) |
+                                       (d.flag5 ? kSymFlag5 : 0));
+    as.FoundSymbol = as.Symbols.Insert(std::move(entry), NoCase(as));
+    return;
+  }
+  if (d.settable) {
+    if ((found->flags & kSymSettable) || found->type == T_DECLARED) {
+      found->type = d.type;
+      found->value = d.value;
+      found->segment = d.segment;
+      found->flags |= kSymSettable;
+      found->itemCount = d.itemCount;
+      found->itemSize = d.itemSize;
+      found->expression.assign(d.expression);
+    } else {
+      ReportError(as, 13);
+    }
+    return;
+  }
+  if (found->type == T_MACROVALUE || found->type == T_REGSET) {
+    found->value = d.value;
+    found->expression.clear();
+    return;
+  }
+  if (found->type == T_DECLARED) {
+    switch (d.type) {
+      case T_CODE: case T_DATA: case T_XDATA: case T_IDATA: case T_BIT: case T_NUMBER:
+        break;
+      default:
+        ReportError(as, 72);
+        break;
+    }
+    ApplyDefinition(*found, d);
+    SetTextFlag(as, *found);
+    return;
+  }
+  if (found->relocation == REL_XDREF) {
+    if (found->type != T_NUMBER && found->type != d.type) ReportError(as, 3);
+    ApplyDefinition(*found, d);
+    found->relocation = REL_XDEF;
+    return;
+  }
+  ReportError(as, 13);
+}
+
+void MarkPublic(Assembler& as, int flag4, int flag5) {
+  SymbolEntry* symbol = as.FoundSymbol;
+  if (symbol == nullptr) return;
+  symbol->relocation = symbol->relocation == REL_XREF ? REL_XDREF : REL_XDEF;
+  if (flag4) symbol->flags = static_cast<uint8_t>((symbol->flags & ~kSymFlag4) | (flag4 & 1 ? kSymFlag4 : 0));
+  if (flag5) symbol->flags = static_cast<uint8_t>((symbol->flags & ~kSymFlag5) | (flag5 & 1 ? kSymFlag5 : 0));
+}
+
+int IsFreeLabelName(std::string_view text) {
+  size_t end = text.find_first_of(" \t\n,)");
+  std::string word(text.substr(0, end));
+  for (char& c : word) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  for (std::string_view reserved : kReservedNames)
+    if (word == reserved) return 0;
+  return 1;
+}
+
+int MatchRegisterSymbol(Assembler& as, int low, int high) {
+  const char* here = as.Line.Here();
+  if (!IsNameStart(*here)) return 0;
+  if (!ReadName(as, here)) return 0;
+  SymbolEntry* symbol = FindSymbol(as, as.NameBuffer);
+  if (symbol == nullptr || (symbol->type != T_REGEQU && symbol->type != T_REGSET)) return 0;
+  if (symbol->value < low || symbol->value > high) return 0;
+  as.Line.offset += static_cast<int32_t>(as.NameBuffer.size());
+  return symbol->value;
+}
+
+void OpenFileScope(Assembler& as) {
+  if (!as.SecondPass) {
+    as.Symbols.SetCurrentFileScope(as.Symbols.NewFileScope());
+    return;
+  }
+  SymbolTable::Chain* recorded = as.Symbols.NextRecordedScope();
+  if (recorded == nullptr) {
+    ReportError(as, 17);
+    return;
+  }
+  as.Symbols.SetCurrentFileScope(recorded);
+}
+
+// Scopes are separate chains already, so closing records nothing more.
+void CloseFileScope(Assembler&) {}
+
+void RewindFileScopes(Assembler& as) { as.Symbols.RewindFileScopes(); }
+
+}  // namespace ta51
