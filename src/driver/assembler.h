@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "directives/segment_entry.h"
@@ -91,6 +92,7 @@ struct Assembler {
   bool WX = false;
   bool Ft = false;
   std::optional<std::string> ModuleNameOption;
+  std::vector<std::pair<std::string, std::string>> CommandLineDefines;  // `/DNAME=VALUE`
   int32_t ListSourceColumn = 22;
   int32_t LabelFieldWidth = 10;
   int32_t OpcodeFieldWidth = 10;

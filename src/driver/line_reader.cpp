@@ -1,5 +1,278 @@
+// The source line reader: physical lines with their breaks and continuations,
+// comment lines, sequence numbers, and INCLUDE with its saved frame.
 #include "driver/line_reader.h"
+
+#include <cstdint>
+#include <string>
+
+#include "driver/diagnostics.h"
+#include "driver/pass.h"
+#include "output/list_file.h"
+#include "platform/platform.h"
+#include "symbols/symbols.h"
+
 namespace ta51 {
-bool FetchLine(Assembler&) { return false; }
-int ProcessInclude(Assembler&) { return 0; }
+
+namespace {
+
+// Longest logical line. Real sources stay far below it; a longer one is
+// taken as a damaged or binary file.
+constexpr size_t kMaxLineLength = 65536;
+// Deepest nesting of INCLUDE; a file that includes itself stops here.
+constexpr int kMaxIncludeDepth = 64;
+constexpr size_t kMaxSequenceDigits = 32;
+
+[[noreturn]] void RejectInput(Assembler& as, const char* why) {
+  as.Line.text = as.Accumulator.substr(0, 80) + "\n";
+  as.Line.offset = 0;
+  ReportError(as, 14, true, why);
+  FatalExit(as, "Assembly terminated");  // not reached: error 14 is fatal
 }
+
+// Reads through one line break: all carriage returns and at most one line
+// feed. False when the file ended inside the break.
+bool ConsumeLineBreak(InputFile& in, int first) {
+  bool sawLineFeed = first == '\n';
+  while (true) {
+    int c = in.Get();
+    if (c == InputFile::kEnd) return false;
+    if (c == '\r') continue;
+    if (c == '\n' && !sawLineFeed) {
+      sawLineFeed = true;
+      continue;
+    }
+    in.Unget(c);
+    return true;
+  }
+}
+
+// One physical line, with continuation lines joined, into the accumulator.
+bool ReadPhysicalLine(Assembler& as) {
+  std::string& text = as.Accumulator;
+  text.clear();
+  InputFile& in = *as.SourceStream;
+  bool continuation = false;
+  int c = in.Get();
+  if (c == InputFile::kEnd) return false;
+  for (;; c = in.Get()) {
+    if (c == InputFile::kEnd) return true;
+    if (c == '\r' || c == '\n') {
+      bool more = ConsumeLineBreak(in, c);
+      if (text.empty() || !more || text.back() != '\\') return true;
+      text.pop_back();
+      ++as.LineNumber;
+      continuation = true;
+      continue;
+    }
+    if (c == '\0') RejectInput(as, "NUL character in source line");
+    if (continuation && IsWhiteSpace(static_cast<char>(c))) continue;
+    continuation = false;
+    text += static_cast<char>(c);
+    if (text.size() > kMaxLineLength) RejectInput(as, "source line longer than 65536 characters");
+  }
+}
+
+bool OnlyWhiteSpaceBefore(const std::string& text, size_t position) {
+  for (size_t i = 0; i < position; ++i)
+    if (!IsWhiteSpace(text[i])) return false;
+  return true;
+}
+
+// Lines that are wholly comment are dropped; `inComment` carries an open
+// comment from line to line within one call.
+bool IsDroppedAsComment(const std::string& text, bool& inComment) {
+  size_t open = text.find("/*");
+  if (inComment) {
+    size_t close = text.find("*/");
+    if (close == std::string::npos) return true;
+    inComment = false;
+    open = text.find("/*", close);
+    if (open == std::string::npos) return true;
+  }
+  if (open != std::string::npos && OnlyWhiteSpaceBefore(text, open)) {
+    if (text.find("*/", open + 2) == std::string::npos) inComment = true;
+    return true;
+  }
+  return inComment;
+}
+
+// A sequence-numbered line starts with its number and one blank; the text
+// behind them is the statement, first column included.
+void TakeSequenceNumber(Assembler& as) {
+  std::string& text = as.Line.text;
+  size_t digits = 0;
+  int64_t value = 0;
+  while (digits < text.size() && text[digits] >= '0' && text[digits] <= '9') {
+    if (digits == kMaxSequenceDigits) {
+      ReportError(as, 6);
+      break;
+    }
+    if (value < (INT64_MAX - 9) / 10) value = value * 10 + (text[digits] - '0');
+    ++digits;
+  }
+  while (digits < text.size() && text[digits] >= '0' && text[digits] <= '9') ++digits;
+  if (value <= as.SequenceNumber) ReportError(as, 30);
+  as.SequenceNumber = value;
+  if (digits < text.size() && IsBlank(text[digits])) ++digits;
+  text.erase(0, digits);
+  as.Line.offset = 0;
+}
+
+void SetLineFlags(Assembler& as) {
+  const std::string& text = as.Line.text;
+  as.CommentLine = (!text.empty() && text[0] == ';') || text.rfind("//", 0) == 0;
+  as.BlankLine = text.find_first_not_of(" \t\n") == std::string::npos;
+  if (as.BlankLine) as.ShowLineValue = false;
+}
+
+}  // namespace
+
+bool FetchLine(Assembler& as) {
+  // A running percent expansion is served first; it plugs in here.
+  if (as.SavedFromSourceValid) {
+    as.FromSourceFile = as.SavedFromSource;
+    as.SavedFromSourceValid = false;
+  }
+  as.Line.offset = 0;
+  // The next body line of a running MACRO expansion plugs in here.
+  bool inComment = false;
+  while (true) {
+    if (!ReadPhysicalLine(as)) return false;
+    as.Accumulator += '\n';
+    if (!IsDroppedAsComment(as.Accumulator, inComment)) break;
+    ++as.LineNumber;
+    // The percent filter and the C-style directives act here as well.
+  }
+  as.Line.text = as.Accumulator;
+  if (as.SequenceNumbered) TakeSequenceNumber(as);
+  SetLineFlags(as);
+  return true;
+}
+
+namespace {
+
+struct IncludeFrame {
+  std::unique_ptr<InputFile> stream;
+  std::string fileName;
+  bool inIncludeFile;
+  uint32_t lineNumber;
+  int64_t sequenceNumber;
+  int32_t conditionalDepth;
+  int32_t controlConditionalDepth;
+  SymbolTable::Chain* fileScope;
+};
+
+IncludeFrame SaveFrame(Assembler& as) {
+  return IncludeFrame{std::move(as.SourceStream), as.CurrentFileName, as.InIncludeFile,
+                      as.LineNumber, as.SequenceNumber, as.ConditionalDepth,
+                      as.ControlConditionalDepth, as.Symbols.CurrentFileScope()};
+}
+
+void RestoreFrame(Assembler& as, IncludeFrame& frame) {
+  as.SourceStream = std::move(frame.stream);
+  as.CurrentFileName = frame.fileName;
+  as.InIncludeFile = frame.inIncludeFile;
+  as.LineNumber = frame.lineNumber;
+  as.SequenceNumber = frame.sequenceNumber;
+  as.ConditionalDepth = frame.conditionalDepth;
+  as.ControlConditionalDepth = frame.controlConditionalDepth;
+  as.Symbols.SetCurrentFileScope(frame.fileScope);
+}
+
+struct IncludeName {
+  std::string name;
+  bool angled = false;
+  bool valid = false;
+};
+
+IncludeName ReadIncludeName(Assembler& as) {
+  std::string rest = as.Line.text.substr(static_cast<size_t>(as.Line.offset));
+  IncludeName result;
+  size_t end;
+  if (as.PercentDialect) {
+    end = rest.find(')');
+    if (end == std::string::npos || end == 0) {
+      ReportError(as, 5);
+      return result;
+    }
+    result.name = rest.substr(1, end - 1);
+  } else if (!rest.empty() && (rest[0] == '"' || rest[0] == '<')) {
+    char closing = rest[0] == '"' ? '"' : '>';
+    end = rest.find(closing, 1);
+    if (end == std::string::npos) {
+      ReportError(as, closing == '"' ? 100 : 101);
+      return result;
+    }
+    result.name = rest.substr(1, end - 1);
+    result.angled = closing == '>';
+  } else {
+    result.name = rest.substr(0, rest.find_first_of(" \t\n"));
+  }
+  result.valid = true;
+  return result;
+}
+
+// Searches the directories of the INCLUDE variable, separated by `:`.
+std::unique_ptr<InputFile> OpenFromSearchPath(Assembler& as, const std::string& name) {
+  const char* variable = GetEnvironment("INCLUDE");
+  if (variable == nullptr) return nullptr;
+  std::string list = variable;
+  size_t start = 0;
+  while (start <= list.size()) {
+    size_t end = list.find(':', start);
+    std::string piece = list.substr(start, end == std::string::npos ? std::string::npos : end - start);
+    if (!piece.empty() && piece.back() == '/') piece.pop_back();
+    std::string joined = piece + "/" + name;
+    if (FileExists(joined)) {
+      auto stream = InputFile::Open(joined);
+      if (stream != nullptr) {
+        as.CurrentFileName = joined;
+        return stream;
+      }
+    }
+    if (end == std::string::npos) break;
+    start = end + 1;
+  }
+  return nullptr;
+}
+
+void ReadIncludedFile(Assembler& as, const IncludeName& include) {
+  as.ConditionalDepth = 0;
+  as.SequenceNumber = 0;
+  as.LineNumber = 0;
+  if (!include.angled) as.SourceStream = InputFile::Open(as.CurrentFileName);
+  if (as.SourceStream == nullptr) as.SourceStream = OpenFromSearchPath(as, include.name);
+  if (as.SourceStream == nullptr) FatalExit(as, "Cannot open include file", include.name);
+  as.InIncludeFile = true;
+  OpenFileScope(as);
+  ++as.IncludeDepth;
+  AssemblePass(as);
+  --as.IncludeDepth;
+  as.SourceStream.reset();
+  if (!as.SecondPass) CloseFileScope(as);
+}
+
+}  // namespace
+
+int ProcessInclude(Assembler& as) {
+  if (as.LineHasLabel) return ReportError(as, 56);
+  if (as.InMacroExpansion) return ReportError(as, 57);
+  if (as.IncludeDepth >= kMaxIncludeDepth) {
+    ReportError(as, 14, true, "INCLUDE files nested more than 64 deep");
+    return 0;
+  }
+  IncludeName include = ReadIncludeName(as);
+  if (!include.valid) return 0;
+  IncludeFrame frame = SaveFrame(as);
+  as.CurrentFileName = FullPath(include.name);
+  SkipBlanks(as);
+  as.CommentOffset = as.Line.offset;
+  as.ShowLineValue = false;
+  if (as.opt.LIST) ListLine(as);
+  ReadIncludedFile(as, include);
+  RestoreFrame(as, frame);
+  as.ListThisLine = false;
+  return 13;
+}
+
+}  // namespace ta51

@@ -1,12 +1,397 @@
+// The line loop: one iteration per logical line, shared by the two passes,
+// by included files and by macro calls.
 #include "driver/pass.h"
+
+#include <cctype>
+
+#include "directives/directives.h"
+#include "directives/segments.h"
+#include "driver/diagnostics.h"
+#include "driver/keywords.h"
+#include "driver/line_reader.h"
+#include "driver/options.h"
+#include "output/list_file.h"
+#include "output/object_file.h"
+#include "symbols/expression.h"
+#include "symbols/symbols.h"
+#include "target/encoder.h"
+#include "target/predefined.h"
+#include "textlang/textlang.h"
+
 namespace ta51 {
-void AssembleFile(Assembler&) {}
-void ResetPassState(Assembler&) {}
-void AssemblePass(Assembler&) {}
-int ProcessStatement(Assembler&) { return 0; }
-void CheckOperandEnd(Assembler&) {}
-void EnsureCurrentSegment(Assembler&) {}
+
+namespace {
+
+constexpr size_t kOpcodeWordLimit = 19;
+
+void ClearLineState(Assembler& as) {
+  as.SavedBytesFlag = false;
+  as.ExprUndefined = false;
+  as.LineHasLabel = false;
+  as.NeedsSizeByte = false;
+  as.LineHasError = false;
+  as.ShowLineValue = true;
+  as.ListThisLine = true;
+  as.CodeLength = 0;
+  as.LabelOffset = as.OpcodeOffset = as.OperandOffset = as.CommentOffset = 0;
+}
+
+void PrepareFetchedLine(Assembler& as) {
+  as.LabelOffset = as.OpcodeOffset = as.OperandOffset = as.CommentOffset = 0;
+  as.OperandSlot1.Clear();
+  as.OperandSlot2.Clear();
+  as.CodeBuffer[0] = as.CodeBuffer[1] = as.CodeBuffer[2] = 0;
+  if (as.CurrentSegment != nullptr) as.LineValue = static_cast<int32_t>(as.CurrentSegment->location);
+}
+
+void MarkLabelAtOffset(Assembler& as) {
+  as.LineHasLabel = true;
+  as.LabelOffset = as.Line.offset;
+  SkipName(as);
+  --as.Line.offset;
+}
+
+// Outside the .a51 dialect a label stands at the first character.
+void FindFirstColumnLabel(Assembler& as) {
+  if (ReadName(as, as.Line.Pointer(0))) {
+    MarkLabelAtOffset(as);
+  } else if (!IsBlank(as.Line.At(0))) {
+    ReportError(as, 11);
+  }
+}
+
+bool IsDirectiveWord(std::string_view word) {
+  return FindKeywordIgnoringCase(kGeneralDirectives, word) != nullptr;
+}
+
+// A name followed by a colon, by `=`, or alone on its line when PUBLIC has
+// announced it.
+bool IsColonOrDeclaredLabel(Assembler& as) {
+  const char* here = as.Line.Here();
+  if (!ReadName(as, here)) return false;
+  size_t after = as.NameBuffer.size();
+  if (here[after] == ':') return true;
+  if (here[after] == '\0') return false;
+  size_t next = after + 1;
+  while (IsBlank(here[next])) ++next;
+  if (here[next] == '=') return true;
+  if (here[next] == '\0' || here[next] == '\n' || here[next] == ';') {
+    SymbolEntry* symbol = FindSymbol(as, as.NameBuffer);
+    return symbol != nullptr && symbol->type == T_DECLARED;
+  }
+  return false;
+}
+
+// `COUNT EQU 3`, `BUF DS 4`: a word followed by a directive is a label.
+bool IsLabelBySecondWord(Assembler& as) {
+  const char* here = as.Line.Here();
+  if (!ReadName(as, here) || IsDirectiveWord(as.NameBuffer)) return false;
+  const char* next = here + as.NameBuffer.size();
+  while (IsBlank(*next)) ++next;
+  if (!ReadName(as, next)) return false;
+  std::string second = as.NameBuffer;
+  for (char& c : second) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return second == "EQU" || second == "SET" || IsDirectiveWord(second) ||
+         FindKeywordIgnoringCase(kDataDirectives, second) != nullptr;
+}
+
+void FindPercentDialectLabel(Assembler& as) {
+  SkipBlanks(as);
+  if (IsColonOrDeclaredLabel(as)) MarkLabelAtOffset(as);
+  if (as.LineHasError) return;
+  if (IsLabelBySecondWord(as)) MarkLabelAtOffset(as);
+}
+
+// The label of a statement, defined in the first pass at the position of the
+// current segment.
+void DefineLabel(Assembler& as, int result) {
+  if (as.SecondPass || !as.LineHasLabel) return;
+  EnsureCurrentSegment(as);
+  SegmentEntry* segment = as.CurrentSegment;
+  SymbolDefinition definition;
+  definition.value = static_cast<int32_t>(segment->location);
+  definition.type = segment->type;
+  definition.segment = segment;
+  definition.itemCount = as.ItemCount;
+  definition.itemSize = (result == kResultDone || result == kResultMacroCall || result == kResultNamedMacroCall)
+                            ? as.ItemSize
+                            : 0;
+  DefineSymbol(as, as.Line.Pointer(as.LabelOffset), definition);
+}
+
+// Result 0: a label alone, a comment, a parenthesis, or a bad opcode.
+void FinishEmptyStatement(Assembler& as) {
+  DefineLabel(as, kResultNone);
+  LineCursor& line = as.Line;
+  line.offset = as.CommentOffset = as.OperandOffset = as.OpcodeOffset;
+  SkipBlanks(as);
+  char c = line.Peek();
+  ++line.offset;
+  if (c == '(' || c == ')') return;
+  if (c == '\n' || c == '\0' || c == ';' || (c == '/' && (line.Peek() == '/' || line.Peek() == '*'))) {
+    --line.offset;
+    return;
+  }
+  ReportError(as, 26);
+  --line.offset;
+}
+
+void FinishInstruction(Assembler& as) {
+  DefineLabel(as, kResultInstruction);
+  if (as.LineHasError) return;
+  if (!as.SecondPass) {
+    if (as.NeedsSizeByte && std::fputc(as.CodeLength & 0xFF, as.SizeFile) == EOF) ReportError(as, 25);
+    as.TotalBytes += static_cast<uint32_t>(as.CodeLength);
+  } else if (!as.opt.OBJ) {
+    as.TotalBytes += static_cast<uint32_t>(as.CodeLength);
+  } else {
+    EmitInstruction(as);
+  }
+}
+
+// The register or the expression of EQU and SET; false after an error.
+bool EvaluateEquOperand(Assembler& as, int& registerCode, int32_t& value) {
+  registerCode = RegisterOperand(as, " \t\n");
+  if (registerCode >= 0) {
+    as.ShowLineValue = false;
+    return true;
+  }
+  as.OperandSlot1.text.clear();
+  ExprValue expr;
+  value = EvaluateExpression(as, expr, &as.OperandSlot1.text);
+  as.LineValue = value;
+  return !as.LineHasError;
+}
+
+void DefineEquSymbol(Assembler& as, int32_t value, int32_t type, bool settable, std::string_view text) {
+  SymbolDefinition definition;
+  definition.value = value;
+  definition.type = type;
+  definition.settable = settable;
+  definition.itemCount = as.ItemCount;
+  definition.itemSize = as.ItemSize;
+  definition.expression = text;
+  DefineSymbol(as, as.Line.Pointer(as.LabelOffset), definition);
+}
+
+void FinishEquOperand(Assembler& as) {
+  if (!as.LineHasError) CheckOperandEnd(as);
+  as.CommentOffset = as.Line.offset;
+}
+
+void ProcessEqu(Assembler& as, int result) {
+  if (result == kResultEqu && !as.LineHasLabel) {
+    ReportError(as, 27);
+    return;
+  }
+  if (result == kResultDotEqu) {
+    as.LabelOffset = as.Line.offset;
+    SkipName(as);
+    --as.Line.offset;
+    SkipBlanks(as);
+    ++as.Line.offset;
+    as.OperandOffset = as.Line.offset;
+  }
+  int registerCode = -1;
+  int32_t value = 0;
+  if (!EvaluateEquOperand(as, registerCode, value)) return;
+  if (!as.SecondPass) {
+    if (registerCode >= 0) {
+      DefineEquSymbol(as, registerCode, T_REGEQU, false, {});
+    } else if (as.ExprUndefined) {
+      ReportError(as, 33, true, as.OperandSlot1.text);
+    } else {
+      DefineEquSymbol(as, value, as.ExprType, false, as.OperandSlot1.text);
+    }
+  }
+  FinishEquOperand(as);
+}
+
+void ProcessSet(Assembler& as) {
+  if (!as.LineHasLabel) {
+    ReportError(as, 27);
+    return;
+  }
+  int registerCode = -1;
+  int32_t value = 0;
+  if (!EvaluateEquOperand(as, registerCode, value)) return;
+  if (registerCode >= 0) {
+    DefineEquSymbol(as, registerCode, T_REGSET, false, {});
+  } else if (as.ExprUndefined) {
+    ReportError(as, 33);
+  } else {
+    DefineEquSymbol(as, value, as.ExprType, true, as.OperandSlot1.text);
+  }
+  FinishEquOperand(as);
+}
+
+void ProcessMacroDefinition(Assembler& as, int result) {
+  if (as.InMacroExpansion) {
+    ReportError(as, 49);
+    return;
+  }
+  if (result == kResultMacro && !as.LineHasLabel) {
+    ReportError(as, 27);
+    return;
+  }
+  MacroStatement(as, result);
+}
+
+bool TailIsComment(const LineCursor& line) {
+  char c = line.Peek();
+  if (c == ';' || c == ' ' || c == '\t' || c == '\n' || c == '\0') return true;
+  char next = line.At(line.offset + 1);
+  return c == '/' && (next == '*' || next == '/');
+}
+
+// What the result of a statement asks of the loop; false when the
+// iteration ends here (step 17).
+bool ActOnResult(Assembler& as, int result) {
+  switch (result) {
+    case kResultNone: FinishEmptyStatement(as); break;
+    case kResultInstruction: FinishInstruction(as); break;
+    case kResultDone: DefineLabel(as, result); break;
+    case kResultEqu: case kResultDotEqu: ProcessEqu(as, result); break;
+    case kResultSet: ProcessSet(as); break;
+    case kResultMacro: case kResultDotMacro: ProcessMacroDefinition(as, result); break;
+    case kResultMacroCall: case kResultNamedMacroCall:
+      DefineLabel(as, result);
+      if (!as.LineHasError) MacroCall(as, result);
+      return false;
+    case kResultListed: return false;
+    default: break;
+  }
+  return true;
+}
+
+void FinishLine(Assembler& as) {
+  SkipBlanks(as);
+  if (!as.CommentLine) as.CommentOffset = as.Line.offset;
+  if (as.opt.LIST) ListLine(as);
+  if (as.CurrentSegment != nullptr) as.CurrentSegment->location += static_cast<uint32_t>(as.CodeLength);
+  if (as.ListStream != nullptr) std::fflush(as.ListStream);
+}
+
+void AssembleLine(Assembler& as) {
+  if (as.BlankLine || as.CommentLine) {
+    as.ShowLineValue = false;
+    if (as.opt.LIST) ListLine(as);
+    return;
+  }
+  if (as.PercentDialect)
+    FindPercentDialectLabel(as);
+  else
+    FindFirstColumnLabel(as);
+  as.ItemSize = 1;
+  as.ItemCount = 1;
+  as.ItemIsText = false;
+  int result = ProcessStatement(as);
+  as.CommentOffset = as.Line.offset;
+  if (as.LineHasError) return;
+  bool checksTail = result == kResultInstruction || result == kResultDone || result == kResultNoLabel;
+  if (checksTail && !as.CommentLine && as.Line.offset != as.OperandOffset) {
+    CheckOperandEnd(as);
+    if (as.LineHasError) return;
+  }
+  if (!ActOnResult(as, result) || as.LineHasError) return;
+  FinishLine(as);
+}
+
+std::string ReadOpcodeWord(Assembler& as) {
+  LineCursor& line = as.Line;
+  std::string word;
+  int32_t start = line.offset;
+  while (true) {
+    char c = line.Peek();
+    if (c == '\0' || IsWhiteSpace(c) || (c == '.' && line.offset != start) || (c == '(' && as.PercentDialect)) break;
+    word += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    if (word.size() == kOpcodeWordLimit) break;
+    ++line.offset;
+  }
+  return word;
+}
+
+int FindMnemonic(std::string_view word) {
+  for (int row = 0; row < static_cast<int>(std::size(kMnemonics)); ++row)
+    if (word == kMnemonics[row].word) return row;
+  return -1;
+}
+
+// Keyword tables after the directives, searched once the operand field is known.
+int DispatchLateKeywords(Assembler& as, const std::string& word) {
+  if (as.PercentDialect) {
+    if (const KeywordRow* row = FindKeyword(kDollarControls, word)) return ProcessControl(as, row->code);
+    if (word[0] == '%')
+      if (const KeywordRow* row = FindKeyword(kPercentKeywords, word)) return PercentKeyword(as, row->code);
+  }
+  if (const KeywordRow* row = FindKeyword(kIfKeywords, word)) return ProcessConditional(as, row->code);
+  if (const KeywordRow* row = FindKeyword(kEndKeywords, word)) return ProcessConditionalEnd(as, row->code);
+  int option = FindOption(word);
+  if (option != kNoOption) return ProcessOption(as, option);
+  if (word == "MACR" || word == "MACRO") return kResultMacro;
+  if (word == ".MACRO") return kResultDotMacro;
+  if (word == "EQU") return kResultEqu;
+  if (word == ".EQU") return kResultDotEqu;
+  if (word == "SET") return kResultSet;
+  return -1;
+}
+
+int MacroNameCall(Assembler& as) {
+  as.Line.offset = as.OpcodeOffset;
+  if (!ReadName(as, as.Line.Here())) return kResultNone;
+  int type = LookupSymbol(as, as.Line.Here());
+  if (type != T_MACRO && type != T_NAMEDMACRO) return kResultNone;
+  SkipSymbolName(as);
+  --as.Line.offset;
+  return type == T_MACRO ? kResultMacroCall : kResultNamedMacroCall;
+}
+
+}  // namespace
+
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 bool IsWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-void SkipBlanks(Assembler& as) { while (IsBlank(as.Line.Peek())) ++as.Line.offset; }
+void SkipBlanks(Assembler& as) {
+  while (IsBlank(as.Line.Peek())) ++as.Line.offset;
 }
+
+void CheckOperandEnd(Assembler& as) {
+  if (as.LineHasError) return;
+  if (!TailIsComment(as.Line)) ReportError(as, 15);
+}
+
+void EnsureCurrentSegment(Assembler& as) {
+  if (as.CurrentSegment == nullptr) SelectAbsoluteSegment(as, kCodeCSEG, false, 0, false);
+}
+
+int ProcessStatement(Assembler& as) {
+  SkipBlanks(as);
+  char first = as.Line.Peek();
+  // Parameter substitution of a macro expansion plugs in here.
+  as.OpcodeOffset = as.Line.offset;
+  if (first == '\n' || first == '\0') return kResultNone;
+  if (as.PercentDialect && first == '%' && TryPercentCall(as)) return kResultInstruction;
+  std::string word = ReadOpcodeWord(as);
+  as.OpcodeWord = word;
+  int mnemonic = FindMnemonic(word);
+  if (mnemonic >= 0) return EncodeInstruction(as, kMnemonics[mnemonic].base, mnemonic);
+  const KeywordRow* directive = FindKeyword(kDataDirectives, word);
+  if (directive == nullptr) directive = FindKeyword(kGeneralDirectives, word);
+  if (directive != nullptr) return ProcessDirective(as, directive->code);
+  SkipBlanks(as);
+  as.OperandOffset = as.Line.offset;
+  int late = word.empty() ? -1 : DispatchLateKeywords(as, word);
+  if (late >= 0) return late;
+  return MacroNameCall(as);
+}
+
+void AssemblePass(Assembler& as) {
+  do {
+    ClearLineState(as);
+    if (as.FromSourceFile) ++as.LineNumber;
+    if (!FetchLine(as)) break;
+    PrepareFetchedLine(as);
+    AssembleLine(as);
+  } while (!as.EndSeen);
+}
+
+}  // namespace ta51

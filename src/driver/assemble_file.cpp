@@ -1,0 +1,219 @@
+// The run over one source file: opening the files, the two passes, and the
+// object file put together from its head and the body of the second pass.
+#include <cctype>
+#include <cstdio>
+
+#include "directives/segments.h"
+#include "driver/diagnostics.h"
+#include "driver/line_reader.h"
+#include "driver/options.h"
+#include "driver/pass.h"
+#include "output/list_file.h"
+#include "output/object_file.h"
+#include "platform/platform.h"
+#include "symbols/symbols.h"
+#include "target/predefined.h"
+
+namespace ta51 {
+
+namespace {
+
+void OpenListFile(Assembler& as) {
+  if (as.ListIsConsole) {
+    as.ListStream = as.console.out;
+    return;
+  }
+  as.ListStream = std::fopen(as.ListName.c_str(), "w");
+  if (as.ListStream == nullptr) FatalExit(as, "Cannot open list file", as.ListName);
+}
+
+FILE* OpenTemporary(Assembler& as, std::string& name, bool& exists) {
+  FILE* file = CreateTemporaryFile(name);
+  if (file == nullptr) FatalExit(as, "Cannot create temporary filename");
+  exists = true;
+  return file;
+}
+
+void ForgetSegmentSelection(Assembler& as) {
+  as.CurrentSegment = nullptr;
+  as.AbsCodeSegment = as.AbsDataSegment = as.AbsXdataSegment = nullptr;
+  as.AbsIdataSegment = as.AbsBitSegment = nullptr;
+}
+
+void SetFirstPassValues(Assembler& as) {
+  OptionFlags& o = as.opt;
+  for (OptionFlag* on : {&o.IHEX, &o.CLIST, &o.MC, &o.MD, &o.OBJ, &o.PAGE}) SetOptionFlag(as, *on, 1);
+  for (OptionFlag* off : {&o.LIST, &o.NOCASE, &o.MEX, &o.SEQ, &o.UNA, &o.SYM, &o.LISTF, &o.DEBUG,
+                          &o.InPageOption, &o.ProcessorMode})
+    SetOptionFlag(as, *off, 0);
+  as.FromSourceFile = true;
+  as.NameIsSet = false;
+  as.ExplicitModuleName.clear();
+  as.TitleText.clear();
+  as.MacroCommentOption = 0;
+  ForgetSegmentSelection(as);
+}
+
+void SetSecondPassValues(Assembler& as) {
+  OptionFlags& o = as.opt;
+  for (OptionFlag* on : {&o.CLIST, &o.MC, &o.MD, &o.LIST}) SetOptionFlag(as, *on, 1);
+  for (OptionFlag* off : {&o.MEX, &o.SEQ, &o.UNA, &o.ProcessorMode}) SetOptionFlag(as, *off, 0);
+  as.FromSourceFile = true;
+  ForgetSegmentSelection(as);
+  as.PercentInstanceCounter = 0;
+  RewindFileScopes(as);
+}
+
+bool CommencingLinesWanted(const Assembler& as) { return as.ZvedCount == 0 && !as.CL && !as.NOLOGO; }
+
+// A first line that starts with a digit makes the whole file sequence-numbered.
+void DetectSequenceNumbers(Assembler& as) {
+  as.SequenceNumbered = false;
+  as.LineNumber = 1;
+  bool gotLine = FetchLine(as);
+  as.SourceStream->Rewind();
+  if (gotLine && std::isdigit(static_cast<unsigned char>(as.Line.At(0)))) as.SequenceNumbered = true;
+}
+
+void RunFirstPass(Assembler& as) {
+  if (CommencingLinesWanted(as)) std::fputs("Commencing first pass\n", as.console.out);
+  as.NextExternalIndex = 1;
+  as.NextDebugNumber = as.NextDebugTypeNumber = 40000;
+  ResetPassState(as);
+  AssemblePass(as);
+  if (as.ConditionalDepth > 0) ReportError(as, 35);
+  if (as.ControlConditionalDepth > 0) ReportError(as, 39);
+  if (as.opt.LIST && as.opt.SYM) ListSymbolTable(as);
+  if (as.ErrorCount != 0 || as.WarningCount != 0) {
+    char text[96];
+    std::snprintf(text, sizeof text, "\nPass 1 complete\n%d errors\n%d warnings\n", as.ErrorCount, as.WarningCount);
+    as.MessageBuffer = text;
+    EmitMessage(as, false);
+  }
+}
+
+void RunSecondPass(Assembler& as) {
+  if (CommencingLinesWanted(as)) std::fputs("Commencing second pass\n", as.console.out);
+  as.SourceStream->Rewind();
+  if (as.opt.OBJ) {
+    as.FinalObjectStream = std::fopen(as.ObjectName.c_str(), "wb");
+    if (as.FinalObjectStream == nullptr) FatalExit(as, "Can't open object file", as.ObjectName);
+    as.BodyFile = OpenTemporary(as, as.BodyFileName, as.BodyFileExists);
+    as.ObjectStream = as.BodyFile;
+  }
+  std::rewind(as.SizeFile);
+  SetSecondPassValues(as);
+  ResetPassState(as);
+  AssemblePass(as);
+}
+
+void ChooseModuleName(Assembler& as) {
+  std::string text = as.NameIsSet ? as.ExplicitModuleName
+                     : as.ModuleNameOption ? *as.ModuleNameOption
+                                           : as.CurrentFileName;
+  PathParts parts = SplitPath(text);
+  as.ModuleFileName = parts.name + parts.extension;
+  size_t dot = text.find_last_of('.');
+  as.ModuleName = dot == std::string::npos ? text : text.substr(0, dot);
+}
+
+void AppendFile(Assembler& as, const std::string& objectName, const std::string& bodyName) {
+  FILE* object = std::fopen(objectName.c_str(), "ab");
+  FILE* body = std::fopen(bodyName.c_str(), "rb");
+  if (object == nullptr || body == nullptr) {
+    if (object != nullptr) std::fclose(object);
+    if (body != nullptr) std::fclose(body);
+    std::fputs("Cannot open file\n", as.console.out);
+    Terminate(as, false);
+  }
+  std::setvbuf(object, nullptr, _IOFBF, 8192);
+  std::setvbuf(body, nullptr, _IOFBF, 8192);
+  char block[512];
+  size_t got;
+  bool failed = false;
+  do {
+    got = std::fread(block, 1, sizeof block, body);
+    if (std::fwrite(block, 1, got, object) != got) failed = true;
+  } while (got == sizeof block);
+  if (std::fclose(object) != 0) failed = true;
+  std::fclose(body);
+  if (failed) ReportError(as, 25, false);
+}
+
+void BuildObjectFile(Assembler& as) {
+  ChooseModuleName(as);
+  // Banked segments, source marks and debug blocks join the body here.
+  WriteCheckedRecord(as, "ME.\r\n");
+  std::fclose(as.BodyFile);
+  as.BodyFile = nullptr;
+  as.ObjectStream = as.FinalObjectStream;
+  WriteModuleHead(as);
+  WriteSegmentRecords(as);
+  FILE* head = as.FinalObjectStream;
+  as.ObjectStream = nullptr;
+  as.FinalObjectStream = nullptr;
+  if (std::fclose(head) != 0) ReportError(as, 25, false);
+  AppendFile(as, as.ObjectName, as.BodyFileName);
+  std::remove(as.BodyFileName.c_str());
+  as.BodyFileExists = false;
+}
+
+void PrintClosingMessage(Assembler& as) {
+  char text[160];
+  if (as.CL)
+    std::snprintf(text, sizeof text, "%u bytes generated.\n", as.TotalBytes);
+  else
+    std::snprintf(text, sizeof text, "Assembly complete\nTotal bytes generated: %ld\n%d errors\n%d warnings\n",
+                  static_cast<long>(as.TotalBytes), as.ErrorCount, as.WarningCount);
+  as.MessageBuffer = text;
+  EmitMessage(as, false);
+}
+
+}  // namespace
+
+void ResetPassState(Assembler& as) {
+  as.NewPageWanted = true;
+  as.EndSeen = false;
+  as.InMacroExpansion = false;
+  as.InIncludeFile = false;
+  as.TotalBytes = 0;
+  as.LineNumber = 0;
+  as.ConditionalDepth = 0;
+  as.ControlConditionalDepth = 0;
+  as.WarningCount = 0;
+  as.ErrorCount = 0;
+  as.PageNumber = 0;
+  as.UniqueLabelCounter = 0;
+  as.SequenceNumber = 0;
+  RewindSegments(as);
+}
+
+void AssembleFile(Assembler& as) {
+  as.AssemblyStarted = true;
+  SetOptionFlag(as, as.opt.PredefinedSymbolsEnabled, 1);
+  EnterAllPredefinedSymbols(as, false);
+  as.DebugFileSeen = false;
+  as.CurrentFileName = FullPath(as.SourceName);
+  as.SourceStream = InputFile::Open(as.CurrentFileName);
+  if (as.SourceStream == nullptr) FatalExit(as, "Cannot open source file", as.CurrentFileName);
+  OpenListFile(as);
+  as.SizeFile = OpenTemporary(as, as.SizeFileName, as.SizeFileExists);
+  if (as.SourceName.find("zvtmp") == std::string::npos) std::fprintf(as.console.out, "%s\n", as.SourceName.c_str());
+  as.RunTime = RunTimeText();
+  DetectSequenceNumbers(as);
+  if (as.Ft) CreatePredefinedSegments(as);
+  SetFirstPassValues(as);
+  RunFirstPass(as);
+  as.SecondPass = 1;
+  if (as.ErrorCount == 0) {
+    RunSecondPass(as);
+    if (as.opt.OBJ) BuildObjectFile(as);
+    if (!as.NOLOGO) PrintClosingMessage(as);
+    if (as.opt.LIST && as.opt.SYM) ListSymbolTable(as);
+  }
+  if (as.ErrorCount > 0) std::remove(as.ObjectName.c_str());
+  as.SourceStream.reset();
+  Terminate(as, as.ErrorCount == 0);
+}
+
+}  // namespace ta51

@@ -1,0 +1,70 @@
+#include "driver/keywords.h"
+
+#include <strings.h>
+
+namespace ta51 {
+
+namespace {
+
+constexpr KeywordRow kDataRows[] = {
+    {"DB", 4},    {"DW", 5},     {"DS", 6},     {"DBIT", 35},  {"BIT", 34},
+    {"DATA", 36}, {"XDATA", 37}, {"IDATA", 38}, {"CODE", 39},  {"USING", 40},
+};
+
+constexpr KeywordRow kGeneralRows[] = {
+    {"FIELDS", 0},     {"PAGEWIDTH", 1},   {"OPT", 2},         {"ORG", 3},       {"NAME", 18},
+    {"NAM", 18},       {"PAGE", 19},       {"TTL", 20},        {"END", 21},      {"SPC", 22},
+    {"FAIL", 23},      {"INCLUDE", 24},    {"INCLUDELIB", 25}, {"__SFILE", 26},  {"__SLINE", 27},
+    {"__DEBUG", 28},   {"__DEBUGEND", 29}, {"__NOOVL", 30},    {"EVEN", 31},     {"ALIGN", 32},
+    {"EXTRN", 42},     {"PUBLIC", 41},     {"SEGMENT", 45},    {"RSEG", 51},     {"CSEG", 46},
+    {"DSEG", 47},      {"XSEG", 48},       {"ISEG", 49},       {"BSEG", 50},
+};
+
+constexpr KeywordRow kDollarRows[] = {
+    {"$EJECT", 19}, {"$TITLE", 20}, {"$SAVE", 7},   {"$RESTORE", 8}, {"$NOLIST", 15},
+    {"$LIST", 16},  {"$SET", 9},    {"$RESET", 10}, {"$IF", 11},     {"$ELSEIF", 14},
+    {"$ELSE", 13},  {"$ENDIF", 12}, {"$INCLUDE", 24}, {"$REGISTERBANK", 17},
+};
+
+constexpr KeywordRow kPercentRows[] = {
+    {"%*DEFINE", 52}, {"%METACHAR", 53}, {"%SET", 54}, {"%EVAL", 55},   {"%EQS", 56},   {"%NES", 57},
+    {"%LTS", 58},     {"%LES", 59},      {"%GTS", 60}, {"%GES", 61},    {"%IF", 62},    {"%WHILE", 63},
+    {"%REPEAT", 64},  {"%EXIT", 65},     {"%LEN", 66}, {"%MATCH", 67},  {"%IN", 68},    {"%OUT", 69},
+};
+
+constexpr KeywordRow kIfRows[] = {
+    {"IFC", 1},   {"IFNC", 2},  {"IFGT", 3},  {"IFGE", 4},   {"IFLT", 5},   {"IFLE", 6},
+    {"IFEQ", 7},  {"IFNE", 8},  {"IFIC", 9},  {"IFINC", 10}, {"IFDEF", 11}, {"IFNDEF", 12},
+};
+
+constexpr KeywordRow kEndRows[] = {
+    {"ENDC", 1}, {"ENDM", 2}, {".ENDM", 2}, {"ELSE", 3}, {"ELSEC", 3},
+};
+
+static_assert(std::size(kDataRows) == 10 && std::size(kGeneralRows) == 29 && std::size(kDollarRows) == 14);
+static_assert(std::size(kPercentRows) == 18 && std::size(kIfRows) == 12 && std::size(kEndRows) == 5);
+
+}  // namespace
+
+const std::span<const KeywordRow> kDataDirectives = kDataRows;
+const std::span<const KeywordRow> kGeneralDirectives = kGeneralRows;
+const std::span<const KeywordRow> kDollarControls = kDollarRows;
+const std::span<const KeywordRow> kPercentKeywords = kPercentRows;
+const std::span<const KeywordRow> kIfKeywords = kIfRows;
+const std::span<const KeywordRow> kEndKeywords = kEndRows;
+
+const KeywordRow* FindKeyword(std::span<const KeywordRow> table, std::string_view word) {
+  for (const KeywordRow& row : table)
+    if (word == row.keyword) return &row;
+  return nullptr;
+}
+
+const KeywordRow* FindKeywordIgnoringCase(std::span<const KeywordRow> table, std::string_view word) {
+  for (const KeywordRow& row : table) {
+    std::string_view keyword = row.keyword;
+    if (keyword.size() == word.size() && strncasecmp(keyword.data(), word.data(), word.size()) == 0) return &row;
+  }
+  return nullptr;
+}
+
+}  // namespace ta51
