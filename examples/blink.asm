@@ -1,0 +1,21 @@
+; blink.asm - toggles P1.0 with a software delay.
+; Assemble:  build/ta51 examples/blink.asm examples/blink.OBJ examples/blink.LST
+;
+COUNT   EQU     R7
+
+        CSEG    AT 0
+        LJMP    START
+
+        CSEG    AT 30H
+START:  MOV     SP,#5FH
+LOOP:   CPL     P1.0
+        CALL    DELAY
+        SJMP    LOOP
+
+DELAY:  MOV     COUNT,#200
+WAIT:   MOV     R6,#250
+INNER:  DJNZ    R6,INNER
+        DJNZ    COUNT,WAIT
+        RET
+
+        END
