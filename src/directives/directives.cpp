@@ -8,6 +8,7 @@
 #include "driver/keywords.h"
 #include "driver/line_reader.h"
 #include "driver/pass.h"
+#include "output/list_file.h"
 #include "symbols/expression.h"
 #include "target/predefined.h"
 #include "textlang/textlang.h"
@@ -76,6 +77,8 @@ int ProcessDirective(Assembler& as, int code) {
   // directive but END, FAIL, EVEN and ALIGN.
   switch (code) {
     case kDirEnd: return EndDirective(as);
+    case kDirFields: return FieldsDirective(as);
+    case kDirPageWidth: return PageWidthDirective(as);
     case kDirInclude: return ProcessInclude(as);
     case kDirOrg: return OrgDirective(as);
     case kDirUsing: return UsingDirective(as);

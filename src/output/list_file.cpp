@@ -1,10 +1,418 @@
 #include "output/list_file.h"
 
+#include <algorithm>
+#include <cstdarg>
+#include <string>
+
+#include "driver/diagnostics.h"
+#include "symbols/expression.h"
+#include "target/predefined.h"
+
 namespace ta51 {
 
-void ListLine(Assembler&) {}
-void NewPage(Assembler&) {}
-void ListBlankLine(Assembler&) {}
-void ListSymbolTable(Assembler&) {}
+namespace {
+
+constexpr int32_t kNoText = -1;
+
+enum FieldIndex { LabelText, OpcodeText, OperandText, CommentText, kFieldCount };
+
+// One field of the source text: the part not yet written and where it stops
+// (kNoText: at the line's new line).
+struct FieldText {
+  int32_t text = kNoText;
+  int32_t end = kNoText;
+  int32_t width = 0;
+};
+
+// What one listed line carries from row to row.
+struct ListRow {
+  explicit ListRow(Assembler& assembler) : as(assembler) {}
+
+  Assembler& as;
+  int32_t Column = 0;
+  int32_t TargetColumn = 0;
+  FieldText Fields[kFieldCount];
+
+  bool AnyTextLeft() const {
+    return std::any_of(std::begin(Fields), std::end(Fields), [](const FieldText& f) { return f.text != kNoText; });
+  }
+};
+
+__attribute__((format(printf, 1, 2))) std::string Format(const char* format, ...) {
+  char buffer[320];
+  va_list args;
+  va_start(args, format);
+  int length = std::vsnprintf(buffer, sizeof buffer, format, args);
+  va_end(args);
+  if (length < 0) return {};
+  if (static_cast<size_t>(length) < sizeof buffer) return buffer;
+  std::string text(static_cast<size_t>(length), '\0');
+  va_start(args, format);
+  std::vsnprintf(text.data(), text.size() + 1, format, args);
+  va_end(args);
+  return text;
+}
+
+void Write(Assembler& as, const std::string& text) { std::fwrite(text.data(), 1, text.size(), as.ListStream); }
+
+void Put(ListRow& row, char c) {
+  std::fputc(c, row.as.ListStream);
+  ++row.Column;
+}
+
+void Put(ListRow& row, const std::string& text) {
+  Write(row.as, text);
+  row.Column += static_cast<int32_t>(text.size());
+}
+
+// A limit of 0 means none; a negative one is taken as none too, since no row
+// could ever make progress under it.
+bool LimitReached(const Assembler& as, int32_t column) {
+  return as.ListLineLimit > 0 && column >= as.ListLineLimit;
+}
+
+bool IsFieldBreak(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\0'; }
+
+// Offset of the new line (or the end of the text) at or after `from`.
+int32_t LineEnd(const LineCursor& line, int32_t from) {
+  while (line.At(from) != '\n' && line.At(from) != '\0') ++from;
+  return from;
+}
+
+void PadToTarget(ListRow& row) {
+  if (row.Column > row.TargetColumn) Put(row, ' ');
+  while (row.Column <= row.TargetColumn) Put(row, ' ');
+}
+
+// Writes one field from its text position; returns what the line limit left
+// over, or kNoText.
+int32_t WriteField(ListRow& row, const FieldText& field, bool first) {
+  const LineCursor& line = row.as.Line;
+  const int32_t text = field.text;
+  int32_t end = field.end;
+  if (end != kNoText && text > end) return kNoText;
+  if (text == end || (!first && IsFieldBreak(line.At(text)))) return kNoText;
+  if (LimitReached(row.as, row.Column)) return text;
+  PadToTarget(row);
+  if (end == kNoText) {
+    end = LineEnd(line, text);
+  } else {
+    end = std::min(end, static_cast<int32_t>(line.text.size()));
+    while (end > text && IsFieldBreak(line.At(end - 1))) --end;
+  }
+  for (int32_t at = text; at < end;) {
+    Put(row, line.At(at++));
+    if (LimitReached(row.as, row.Column)) return at < end ? at : kNoText;
+  }
+  return kNoText;
+}
+
+// Writes the fields that still have text; a field cut by the limit ends the
+// row. Only a field that ends moves the column of the next one.
+void WriteFields(ListRow& row, bool first) {
+  for (FieldText& field : row.Fields) {
+    if (field.text == kNoText) continue;
+    field.text = WriteField(row, field, first);
+    first = false;
+    if (field.text != kNoText) return;
+    row.TargetColumn += field.width;
+  }
+}
+
+void SetUpFields(ListRow& row) {
+  const Assembler& as = row.as;
+  row.TargetColumn = as.ListSourceColumn;
+  if (as.CommentLine) {
+    row.Fields[LabelText] = {as.LabelOffset, LineEnd(as.Line, as.LabelOffset), as.LabelFieldWidth};
+    return;
+  }
+  row.Fields[LabelText] = {as.LabelOffset, as.OpcodeOffset, as.LabelFieldWidth};
+  row.Fields[OpcodeText] = {as.OpcodeOffset, as.OperandOffset != 0 ? as.OperandOffset : kNoText, as.OpcodeFieldWidth};
+  row.Fields[OperandText] = {as.OperandOffset, as.CommentOffset, as.OperandFieldWidth};
+  row.Fields[CommentText] = {as.CommentOffset, kNoText, 0};
+}
+
+void CheckFieldsFit(Assembler& as) {
+  const int32_t needed = as.ListSourceColumn + 3 + as.LabelFieldWidth + as.OpcodeFieldWidth + as.OperandFieldWidth;
+  if (as.ListLineLimit != 0 && as.WidthChanged && as.ListLineLimit <= needed) {
+    ReportWarning(as, 98);
+    as.WidthChanged = false;
+  }
+}
+
+void WriteNumberColumn(ListRow& row) {
+  const Assembler& as = row.as;
+  if (as.FromSourceFile && !as.CL) {
+    Put(row, as.opt.SEQ ? Format("%05d", static_cast<int>(as.SequenceNumber)) : Format("%5u", as.LineNumber));
+  } else if (!as.BlankLine && !as.CL) {
+    Put(row, "     ");
+  } else {
+    row.Column = 5;
+  }
+}
+
+// DB and DW keep all their bytes apart; an instruction has at most three.
+uint8_t ListedByte(const Assembler& as, int32_t index) {
+  if (as.SavedBytesFlag) return static_cast<size_t>(index) < as.DataListBuffer.size() ? as.DataListBuffer[index] : 0;
+  return index < 3 ? as.CodeBuffer[index] : 0;
+}
+
+void WriteBytes(ListRow& row, int32_t from, int32_t to) {
+  for (int32_t index = from; index < to; ++index) Put(row, Format(" %02X", ListedByte(row.as, index)));
+}
+
+void WriteAddressAndBytes(ListRow& row) {
+  Assembler& as = row.as;
+  Put(row, as.ShowLineValue ? Format(" %04X", static_cast<uint32_t>(as.LineValue)) : std::string("     "));
+  WriteBytes(row, 0, std::min(as.CodeLength, 3));
+  as.SavedBytesFlag = as.CodeLength >= 4;
+}
+
+// Further rows of a long DB or DW, each with the address of its first byte.
+void WriteByteRows(ListRow& row) {
+  Assembler& as = row.as;
+  if (!as.SavedBytesFlag || as.CodeLength < 4) return;
+  uint32_t address = static_cast<uint32_t>(as.LineValue);
+  for (int32_t next = 3; next < as.CodeLength; next += 3) {
+    if (as.LineCount >= as.PageLength) NewPage(as);
+    address += 3;
+    row.Column = 0;
+    if (!as.CL) Put(row, "     ");
+    row.Column = 5;
+    Put(row, Format(" %04X", address));
+    WriteBytes(row, next, std::min(next + 3, as.CodeLength));
+    WriteFields(row, true);
+    ListBlankLine(as);
+  }
+}
+
+// Text that the line limit cut goes on in rows of its own.
+void WriteTextRows(ListRow& row) {
+  Assembler& as = row.as;
+  while (row.AnyTextLeft()) {
+    row.Column = 0;
+    if (as.LineCount >= as.PageLength) NewPage(as);
+    WriteFields(row, true);
+    ListBlankLine(as);
+  }
+}
+
+}  // namespace
+
+void NewPage(Assembler& as) {
+  ++as.PageNumber;
+  if (as.opt.PAGE && as.ListStream != nullptr) {
+    // On the console a form feed would only clear the screen.
+    std::fputc(as.ListIsConsole ? '\n' : '\f', as.ListStream);
+    Write(as, Format("PAGE  %03d  %-40s %.24s\n", as.PageNumber, as.CurrentFileName.c_str(), as.RunTime.c_str()));
+    Write(as, Format("           %-15s   %s\n\n", as.ExplicitModuleName.c_str(), as.TitleText.c_str()));
+  }
+  as.NewPageWanted = false;
+  as.LineCount = 3;
+}
+
+void ListBlankLine(Assembler& as) {
+  if (as.ListStream != nullptr) std::fputc('\n', as.ListStream);
+  ++as.LineCount;
+}
+
+void ListLine(Assembler& as) {
+  if (as.ListStream == nullptr) return;
+  if (!as.ListThisLine || (as.InMacroExpansion && !as.opt.MEX)) {
+    std::fflush(as.ListStream);
+    return;
+  }
+  if (as.NewPageWanted || as.LineCount >= as.PageLength) NewPage(as);
+  CheckFieldsFit(as);
+  ++as.LineCount;
+  ListRow row(as);
+  WriteNumberColumn(row);
+  if (as.BlankLine) {
+    std::fputc('\n', as.ListStream);
+    std::fflush(as.ListStream);
+    return;
+  }
+  WriteAddressAndBytes(row);
+  SetUpFields(row);
+  WriteFields(row, as.CommentLine);
+  std::fputc('\n', as.ListStream);
+  WriteByteRows(row);
+  WriteTextRows(row);
+  std::fflush(as.ListStream);
+}
+
+// --- Symbol table ----------------------------------------------------------
+
+namespace {
+
+enum class Section { Symbols, Bits, Registers };
+
+bool IsRegisterVariable(const SymbolEntry& symbol) {
+  return symbol.type == T_REGEQU || (symbol.type == T_REGSET && !IsRegisterName(symbol.name));
+}
+
+bool HiddenPredefined(const Assembler& as, const SymbolEntry& symbol) {
+  return (symbol.flags & kSymPredefined) != 0 && !as.opt.PredefinedSymbolsEnabled;
+}
+
+bool BelongsTo(const Assembler& as, const SymbolEntry& symbol, Section section) {
+  switch (section) {
+    case Section::Bits:
+      return symbol.type == T_BIT;
+    case Section::Registers:
+      return IsRegisterVariable(symbol);
+    case Section::Symbols:
+      break;
+  }
+  if (HiddenPredefined(as, symbol) || IsRegisterVariable(symbol)) return false;
+  switch (symbol.type) {
+    case T_MACRO:
+    case T_NAMEDMACRO:
+    case T_MACROVALUE:
+    case T_BIT:
+      return false;
+    default:
+      return true;
+  }
+}
+
+// Column layout shared by the three walks.
+struct TableLayout {
+  int32_t MaxName = 0;  // longest name plus one
+  int32_t PerRow = 1;
+};
+
+TableLayout LayoutOf(const Assembler& as) {
+  TableLayout layout;
+  layout.MaxName = static_cast<int32_t>(as.Symbols.LongestName());
+  // A name too long for the page still gets a row of its own.
+  layout.PerRow = std::max((as.PageWidth - 1) / (layout.MaxName + 8), 1);
+  return layout;
+}
+
+std::string RegisterNameOf(int32_t value) {
+  return value >= 1 && value <= 17 ? kRegisterNames[value - 1] : "";
+}
+
+std::string EntryText(const TableLayout& layout, const SymbolEntry& symbol, Section section) {
+  std::string text = symbol.name + "  ";
+  if (text.size() < static_cast<size_t>(layout.MaxName + 2)) text.resize(layout.MaxName + 2, ' ');
+  if (section == Section::Registers) return text + Format("%4s  ", RegisterNameOf(symbol.value).c_str());
+  return text + Format("%04X  ", static_cast<uint32_t>(symbol.value));
+}
+
+// One walk over the table; returns the number of entries written.
+int32_t WriteSection(Assembler& as, const TableLayout& layout, Section section) {
+  int32_t count = 0;
+  as.Symbols.ForEach([&](const SymbolEntry& symbol) {
+    if (!BelongsTo(as, symbol, section)) return;
+    Write(as, EntryText(layout, symbol, section));
+    if (++count % layout.PerRow != 0) return;
+    ListBlankLine(as);
+    if (as.LineCount >= as.PageLength) NewPage(as);
+  });
+  return count;
+}
+
+void WriteHeading(Assembler& as, const char* text) {
+  Write(as, text);
+  as.LineCount += 3;
+}
+
+void EndPartialRow(Assembler& as, const TableLayout& layout, int32_t count) {
+  if (count % layout.PerRow != 0) ListBlankLine(as);
+}
+
+bool AnyRegisterVariable(const Assembler& as) {
+  bool found = false;
+  as.Symbols.ForEach([&](const SymbolEntry& symbol) {
+    if (!HiddenPredefined(as, symbol) && IsRegisterVariable(symbol)) found = true;
+  });
+  return found;
+}
+
+void WriteBanksUsed(Assembler& as) {
+  std::string text = "\nRegister banks used:";
+  const char* separator = "";
+  for (int bank = 0; bank < 4; ++bank) {
+    if (!as.RegisterBankUsed[bank]) continue;
+    text += Format("%s Bank %d", separator, bank);
+    separator = ",";
+  }
+  Write(as, text + "\n");
+}
+
+}  // namespace
+
+void ListSymbolTable(Assembler& as) {
+  if (as.ListStream == nullptr) return;
+  const TableLayout layout = LayoutOf(as);
+  if (as.PageLength - as.LineCount < 4) NewPage(as);
+
+  WriteHeading(as, "\nSymbol table:\n\n");
+  int32_t total = WriteSection(as, layout, Section::Symbols);
+  EndPartialRow(as, layout, total);
+
+  WriteHeading(as, "\nBit addresses:\n\n");
+  const int32_t bits = WriteSection(as, layout, Section::Bits);
+  total += bits;
+
+  if (AnyRegisterVariable(as)) {
+    EndPartialRow(as, layout, bits);
+    WriteHeading(as, "\nRegister variables:\n\n");
+    total += WriteSection(as, layout, Section::Registers);
+  }
+
+  Write(as, Format("\n%d symbols.\n", total));
+  as.LineCount += 2;
+  WriteBanksUsed(as);
+  std::fflush(as.ListStream);
+}
+
+// --- Directives ------------------------------------------------------------
+
+namespace {
+
+void SkipBlanks(LineCursor& line) {
+  while (line.Peek() == ' ' || line.Peek() == '\t') ++line.offset;
+}
+
+bool AtStatementEnd(const LineCursor& line) {
+  const char c = line.Peek();
+  if (c == '\n' || c == '\0' || c == ';') return true;
+  return c == '/' && (line.At(line.offset + 1) == '/' || line.At(line.offset + 1) == '*');
+}
+
+}  // namespace
+
+int FieldsDirective(Assembler& as) {
+  as.ShowLineValue = false;
+  int32_t* const widths[] = {&as.LabelFieldWidth, &as.OpcodeFieldWidth, &as.OperandFieldWidth};
+  for (int place = 0; place < 3; ++place) {
+    SkipBlanks(as.Line);
+    if (place > 0) {
+      if (as.Line.Peek() != ',') break;
+      ++as.Line.offset;
+      SkipBlanks(as.Line);
+    }
+    // An empty place keeps its width.
+    if (as.Line.Peek() == ',' || AtStatementEnd(as.Line)) continue;
+    ExprValue expr;
+    const int32_t value = EvaluateExpression(as, expr, nullptr);
+    if (as.LineHasError) return 0;
+    *widths[place] = value;
+  }
+  return 12;
+}
+
+int PageWidthDirective(Assembler& as) {
+  ExprValue expr;
+  const int32_t value = EvaluateExpression(as, expr, nullptr);
+  if (as.LineHasError) return 0;
+  if (value != as.ListLineLimit) as.WidthChanged = true;
+  as.ListLineLimit = value;
+  as.LineValue = value;
+  return 12;
+}
 
 }  // namespace ta51
