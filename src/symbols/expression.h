@@ -34,13 +34,22 @@ enum : int {
   TOK_XOR = 0x94,
 };
 
+// Bytes of FullText, its terminating zero included.
 constexpr size_t kFullTextCapacity = 2000;
+static_assert(kFullTextCapacity <= kOperandSlotCapacity, "an expression text must fit an operand slot");
+// Deepest nesting of parentheses and prefix operators; deeper is "Overflow".
+constexpr int32_t kMaxExprNesting = 256;
+// What a name not yet defined reads as in the first pass.
+constexpr int32_t kUndefinedValue = 0xFFFFFE;
 
+// One relocatable term that stood alone as an operand of "+" or "-".
 struct LoneRecord {
   int32_t offset = 0;
   SegmentEntry* segmentBefore = nullptr;
   bool relocatableBefore = false;
   int32_t typeAfter = T_NUMBER;
+  SegmentEntry* segment = nullptr;  // the term's own segment; none for stored text
+  int32_t primary = 0;              // PrimaryCount of the term
 };
 
 // The working object of one evaluation.
@@ -53,6 +62,11 @@ struct ExprValue {
   LoneRecord LoneHistory[2];
   int LoneCount = 0;
   bool TolerateUnknown = false;
+  // The primary just read may be a lone term; parentheses pass this on.
+  bool LoneCandidate = false;
+  bool LonePushed = false;  // LoneTerm already stands in LoneHistory
+  LoneRecord LoneTerm;
+  bool TextOverflow = false;  // FullText stopped growing at its capacity
 };
 
 // Thrown inside the evaluator only; EvaluateExpression catches it.

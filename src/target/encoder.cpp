@@ -1,5 +1,12 @@
 #include "target/encoder.h"
 
+#include <cstdio>
+
+#include "driver/diagnostics.h"
+#include "driver/pass.h"
+#include "target/encoder_forms.h"
+#include "target/operands.h"
+
 namespace ta51 {
 
 const Mnemonic kMnemonics[45] = {
@@ -13,6 +20,107 @@ const Mnemonic kMnemonics[45] = {
     {"MOVC", 0x93},  {"MOVX", 0xE0}, {"MOV", 0x00},
 };
 
-int EncodeInstruction(Assembler&, uint8_t, int) { return 1; }
+namespace {
+
+int EncodeNoOperand(const Statement&) { return 1; }
+
+// RL A, RLC A, RR A, RRC A, SWAP A, DA A.
+int EncodeAccumulatorOnly(const Statement& s) {
+  if (!IsAccumulator(s.as)) return ReportError(s.as, 75);
+  return 1;
+}
+
+// PUSH d, POP d.
+int EncodeStack(const Statement& s) {
+  int32_t address = ReadByteOperand(s.as, s.as.OperandSlot1, kDirectAddress);
+  return Emit(s.as, s.base, address);
+}
+
+// DIV AB, MUL AB.
+int EncodeMultiply(const Statement& s) {
+  if (!MatchToken(s.as, "AB?", LastOperandEnd)) return ReportError(s.as, 11);
+  return 1;
+}
+
+using FormHandler = int (*)(const Statement&);
+
+struct HandlerRange {
+  int first;
+  int last;
+  FormHandler handler;
+};
+
+// Mnemonic positions and the handler that reads their operands.
+constexpr HandlerRange kHandlers[] = {
+    {0, 2, EncodeNoOperand},         // NOP RET RETI
+    {3, 8, EncodeAccumulatorOnly},   // RL RLC RR RRC SWAP DA
+    {9, 10, EncodeStack},            // POP PUSH
+    {11, 12, EncodeAbsoluteJump},    // ACALL AJMP
+    {13, 17, EncodeArithmetic},      // XCHD XCH ADD ADDC SUBB
+    {18, 20, EncodeLogic},           // XRL ANL ORL
+    {21, 21, EncodeCompareJump},     // CJNE
+    {22, 24, EncodeBitOperation},    // SETB CLR CPL
+    {25, 26, EncodeIncrement},       // DEC INC
+    {27, 28, EncodeMultiply},        // DIV MUL
+    {29, 29, EncodeDecrementJump},   // DJNZ
+    {30, 32, EncodeBitJump},         // JB JBC JNB
+    {33, 37, EncodeShortBranch},     // JC JNC JNZ JZ SJMP
+    {38, 39, EncodeGenericJump},     // JMP CALL
+    {40, 41, EncodeLongJump},        // LCALL LJMP
+    {42, 42, EncodeMovc},            // MOVC
+    {43, 43, EncodeMovx},            // MOVX
+    {44, 44, EncodeMov},             // MOV
+};
+
+// The length the first pass chose; the stream advances at every instruction
+// so that it stays in step with the source.
+int ReadSizeByte(Assembler& as) {
+  if (!as.SecondPass) {
+    as.NeedsSizeByte = true;
+    return 0;
+  }
+  int size = as.SizeFile != nullptr ? std::fgetc(as.SizeFile) : EOF;
+  return size == EOF ? 0 : size;
+}
+
+}  // namespace
+
+int Emit(Assembler& as, uint8_t opcode) {
+  as.CodeBuffer[0] = opcode;
+  as.CodeLength = 1;
+  return 1;
+}
+
+int Emit(Assembler& as, uint8_t opcode, int32_t second) {
+  as.CodeBuffer[0] = opcode;
+  as.CodeBuffer[1] = static_cast<uint8_t>(second);
+  as.CodeLength = 2;
+  return 1;
+}
+
+int Emit(Assembler& as, uint8_t opcode, int32_t second, int32_t third) {
+  Emit(as, opcode, second);
+  as.CodeBuffer[2] = static_cast<uint8_t>(third);
+  as.CodeLength = 3;
+  return 1;
+}
+
+int EncodeInstruction(Assembler& as, uint8_t baseOpcode, int position) {
+  if (as.CurrentSegment == nullptr) EnsureCurrentSegment(as);
+  if (as.CurrentSegment == nullptr || as.CurrentSegment->type != T_CODE) return ReportError(as, 92);
+  Statement statement{as, baseOpcode, position, ReadSizeByte(as)};
+  Emit(as, baseOpcode);
+  SkipBlanks(as);
+  as.OperandOffset = as.Line.offset;
+  // Macro parameter substitution of the operand field (positions 3 and up,
+  // during an expansion) plugs in here.
+  for (const HandlerRange& range : kHandlers) {
+    if (position >= range.first && position <= range.last) {
+      int result = range.handler(statement);
+      return as.LineHasError ? 0 : result;
+    }
+  }
+  return ReportError(as, 26);
+}
 
 }  // namespace ta51

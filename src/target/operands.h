@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "driver/assembler.h"
@@ -26,6 +27,18 @@ PatternMatch MatchPattern(Assembler& as, std::string_view pattern, std::string_v
 bool MatchToken(Assembler& as, std::string_view pattern, std::string_view terminators,
                 int* registerNumber = nullptr);
 
+// Ways of reading a byte or word operand: what its type must be.
+enum OperandMode : int { kDirectAddress = 0, kCodeAddress = 1, kImmediateValue = 2, kPlainWord = 3 };
+
+// The register number 0..7 of a RegisterCode; codes outside R1..R7 give 0.
+int RegisterNumber(int registerCode);
+// A register alias with a code in [low, high] that a terminator follows.
+int MatchRegisterAlias(Assembler& as, int low, int high, std::string_view terminators);
+// `A` or an alias of it, followed by a terminator left unread.
+bool MatchAccumulator(Assembler& as, std::string_view terminators);
+// Consumes `c` after blanks if it stands there.
+bool NextIs(Assembler& as, char c);
+
 bool IsAccumulator(Assembler& as);
 bool IsAccumulatorComma(Assembler& as);
 bool ReadRegister(Assembler& as, std::string_view terminators, int& number);
@@ -40,5 +53,8 @@ int32_t ReadRelativeOperand(Assembler& as, int instructionLength);
 // With `haveValue` false it first evaluates into OperandSlot1.
 int32_t ReadAbsoluteTarget(Assembler& as, bool haveValue, int32_t value);
 bool IsBitAddressable(uint32_t address);
+
+// printf into a string of any length.
+std::string FormatText(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 }  // namespace ta51
