@@ -1,0 +1,3 @@
+ FOO BAR
+ NOP
+ BAZ

@@ -1,0 +1,2 @@
+	INCLUDE	part.inc
+	NOP
