@@ -191,10 +191,9 @@ void RunCommandLine(Assembler& as, const std::vector<std::string>& arguments) {
 
 // A failed run leaves no object file behind, whatever stood there before.
 void RemoveObjectOfFailedRun(Assembler& as) {
-  for (FILE** stream : {&as.FinalObjectStream, &as.ObjectStream}) {
-    if (*stream != nullptr && *stream != as.BodyFile) std::fclose(*stream);
-    *stream = nullptr;
-  }
+  // ObjectStream is an alias of the body file or of the final object stream.
+  if (as.FinalObjectStream != nullptr) std::fclose(as.FinalObjectStream);
+  as.FinalObjectStream = as.ObjectStream = nullptr;
   RemoveTemporaryFiles(as);
   if (!as.ObjectName.empty()) std::remove(as.ObjectName.c_str());
 }

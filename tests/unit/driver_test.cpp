@@ -193,8 +193,12 @@ TEST_F(Driver, BadInputEndsCleanly) {
   RunResult noDir = Run({"self.asm", "self.OBJ", "nodir/self.LST", "/NOLOGO"});
   EXPECT_EQ(noDir.status, 1);
   EXPECT_NE(noDir.out.find("Cannot open list file nodir/self.LST"), std::string::npos);
+  // A fatal stop in the second pass, with the object file already open.
+  RunResult phase = Assemble("phase.asm", "\tORG\tSTART\n\tRET\n");
+  EXPECT_EQ(phase.status, 1);
+  EXPECT_NE(phase.out.find("phase.asm(2): Error: Phase error"), std::string::npos);
   EXPECT_FALSE(TemporaryFilesLeft());
-  EXPECT_FALSE(Exists("self.OBJ") || Exists("nul.OBJ") || Exists("huge.OBJ"));
+  EXPECT_FALSE(Exists("self.OBJ") || Exists("nul.OBJ") || Exists("huge.OBJ") || Exists("phase.OBJ"));
 }
 
 }  // namespace
