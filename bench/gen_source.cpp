@@ -118,7 +118,7 @@ class Generator {
       case 5: Continuation(); break;
       case 6: Emit("\tMOV\tDPTR,#" + AnyLabel() + "+2"); break;
       case 7: Emit("\tADD\tA,R" + std::to_string(Next() % 8)); break;
-      case 8: Emit("\tDW\t" + AnyLabel() + "," + AnyEqu()); break;
+      case 8: Emit("\tMOV\tDPTR,#" + AnyLabel() + "-" + AnyEqu()); break;
       default: DefineEqu(); break;
     }
     segmentLines_ += written_ - before;
@@ -126,8 +126,8 @@ class Generator {
 
   void Continuation() {
     if (Left() < 2) return Emit("\tNOP");
-    Emit("\tDB\t1, 2, \\");
-    Emit("\t\t" + std::to_string(Next() % 256) + " AND 0FH");
+    Emit("\tMOV\tA, \\");
+    Emit("\t\t#" + std::to_string(Next() % 256) + " AND 0FH");
   }
 
   void DefineEqu() {
