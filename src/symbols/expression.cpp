@@ -6,60 +6,13 @@
 
 #include "driver/diagnostics.h"
 #include "symbols/symbols.h"
+#include "symbols/tokens.h"
 
 namespace ta51 {
 
 namespace {
 
-struct OperatorRow {
-  std::string_view spelling;
-  int code;
-  bool word;  // matched with case ignored, and only if no name character follows
-};
-
-// Searched in this order: the longer "<>", "<=" and ">=" come before "<" and ">".
-constexpr std::array<OperatorRow, 27> kOperators = {{
-    {"HIGH", TOK_HIGH, true},
-    {"LOW", TOK_LOW, true},
-    {"`BASE", TOK_BASE, true},
-    {"`SIZE", TOK_SIZE, true},
-    {"MOD", TOK_MOD, true},
-    {"SHL", TOK_SHL, true},
-    {"SHR", TOK_SHR, true},
-    {"EQ", TOK_EQ, true},
-    {"NE", TOK_NE, true},
-    {"LT", TOK_LT, true},
-    {"LE", TOK_LE, true},
-    {"GT", TOK_GT, true},
-    {"GE", TOK_GE, true},
-    {"NOT", TOK_NOT, true},
-    {"AND", TOK_AND, true},
-    {"OR", TOK_OR, true},
-    {"XOR", TOK_XOR, true},
-    {"*", TOK_MUL, false},
-    {"/", TOK_DIV, false},
-    {"+", TOK_PLUS, false},
-    {"-", TOK_MINUS, false},
-    {"=", TOK_EQ, false},
-    {"<>", TOK_NE, false},
-    {"<=", TOK_LE, false},
-    {">=", TOK_GE, false},
-    {"<", TOK_LT, false},
-    {">", TOK_GT, false},
-}};
-
 constexpr std::string_view kUnexpectedRelocatable = "Unexpected relocatable expression";
-
-char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
-// Length of the operator row's spelling at `text`, or 0 if it is not there.
-size_t MatchRow(const OperatorRow& row, const char* text) {
-  for (size_t i = 0; i < row.spelling.size(); ++i) {
-    char c = row.word ? Upper(text[i]) : text[i];
-    if (c != row.spelling[i]) return 0;
-  }
-  return row.spelling.size();
-}
 
 // A plain character as a token. Bytes of 0x80 and above come out negative,
 // so that no stray byte in the source is ever taken for an operator code.
@@ -129,16 +82,7 @@ class Evaluator {
     expr_.FullText.append(text);
   }
 
-  // Operators are written as their first spelling; words with a blank each side.
-  void AppendOperator(int code) {
-    for (const OperatorRow& row : kOperators) {
-      if (row.code != code) continue;
-      if (!row.word) return Append(row.spelling);
-      std::string text = " ";
-      text.append(row.spelling).append(" ");
-      return Append(text);
-    }
-  }
+  void AppendOperator(int code) { Append(OperatorText(code)); }
 
   // Levels 1 to 4 and 6; level 5 has its own loop, level 7 is the primary.
   int32_t Binary(int level) {
@@ -592,26 +536,6 @@ int32_t Evaluate(Assembler& as, ExprValue& expr, std::string* textBuffer, bool s
 }
 
 }  // namespace
-
-int ScanToken(Assembler& as, bool skipBlanks) {
-  LineCursor& line = as.Line;
-  if (skipBlanks) {
-    while (line.Peek() == ' ' || line.Peek() == '\t') ++line.offset;
-    // Macro parameter substitution (SubstituteParameters) plugs in here: when
-    // blanks were passed inside a macro expansion and ExprToken is not ';'.
-  }
-  const char* text = line.Here();
-  for (const OperatorRow& row : kOperators) {
-    size_t length = MatchRow(row, text);
-    if (length == 0) continue;
-    if (row.word && IsNameChar(text[length])) break;  // part of a name
-    line.offset += static_cast<int32_t>(length);
-    return as.ExprToken = row.code;
-  }
-  int token = CharToken(line.Peek());
-  ++line.offset;
-  return as.ExprToken = token;
-}
 
 int32_t EvaluateExpression(Assembler& as, ExprValue& expr, std::string* textBuffer, bool simpleRelocOnly) {
   try {

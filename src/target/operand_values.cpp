@@ -84,7 +84,18 @@ bool IsBitAddressable(uint32_t address) {
          kBitAddressableRegisters.end();
 }
 
-int32_t ReadByteOperand(Assembler& as, OperandSlot& slot, int mode) {
+namespace {
+
+// What distinguishes a byte operand from a word operand.
+struct SizedOperand {
+  int32_t limit;          // largest magnitude of an absolute value
+  int rangeError;         // reported beyond it
+  bool (*typeAccepted)(int32_t type);  // nullptr: any type
+  int typeError;
+  int8_t fixupSize;
+};
+
+int32_t ReadSizedOperand(Assembler& as, OperandSlot& slot, const SizedOperand& form) {
   int32_t value = Evaluate(as, &slot.text);
   if (as.LineHasError) return 0;
   if (as.ExprUndefined) {
@@ -92,31 +103,26 @@ int32_t ReadByteOperand(Assembler& as, OperandSlot& slot, int mode) {
     return 0;
   }
   if (!as.SecondPass) return value;
-  // Negative values down to -255 are accepted as bytes.
-  if (slot.text.empty() && (value > kByteLimit || value < -kByteLimit)) return ReportError(as, 8);
-  if (mode == kDirectAddress && !IsDataType(as.ExprType)) return ReportError(as, 84);
+  // Negative values down to -limit are accepted as well.
+  if (slot.text.empty() && (value > form.limit || value < -form.limit)) return ReportError(as, form.rangeError);
+  if (form.typeAccepted != nullptr && !form.typeAccepted(as.ExprType)) return ReportError(as, form.typeError);
   if (as.ExprRelocatable) {
-    slot.FixupSize = 1;
-    slot.FixupOffset = ByteFixupOffset(as, slot);
+    slot.FixupSize = form.fixupSize;
+    slot.FixupOffset = form.fixupSize == 1 ? ByteFixupOffset(as, slot) : 1;
   }
   return value;
 }
 
+}  // namespace
+
+int32_t ReadByteOperand(Assembler& as, OperandSlot& slot, int mode) {
+  SizedOperand form{kByteLimit, 8, mode == kDirectAddress ? IsDataType : nullptr, 84, 1};
+  return ReadSizedOperand(as, slot, form);
+}
+
 int32_t ReadWordOperand(Assembler& as, OperandSlot& slot, int mode) {
-  int32_t value = Evaluate(as, &slot.text);
-  if (as.LineHasError) return 0;
-  if (as.ExprUndefined) {
-    if (as.SecondPass) ReportError(as, 4);
-    return 0;
-  }
-  if (!as.SecondPass) return value;
-  if (slot.text.empty() && (value > kWordLimit || value < -kWordLimit)) return ReportError(as, 9);
-  if (mode == kCodeAddress && !IsCodeType(as.ExprType)) return ReportError(as, 86);
-  if (as.ExprRelocatable) {
-    slot.FixupSize = 2;
-    slot.FixupOffset = 1;
-  }
-  return value;
+  SizedOperand form{kWordLimit, 9, mode == kCodeAddress ? IsCodeType : nullptr, 86, 2};
+  return ReadSizedOperand(as, slot, form);
 }
 
 int32_t ReadRelativeOperand(Assembler& as, int instructionLength) {

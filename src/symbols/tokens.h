@@ -1,0 +1,12 @@
+// Tokens of expressions, shared by the evaluator and its tokenizer.
+#pragma once
+
+#include <string>
+
+namespace ta51 {
+
+// An operator as the linker text writes it: its first spelling, and a word
+// with a blank on either side.
+std::string OperatorText(int code);
+
+}  // namespace ta51
