@@ -354,9 +354,19 @@ void SkipBlanks(Assembler& as) {
   while (IsBlank(as.Line.Peek())) ++as.Line.offset;
 }
 
+// Blanks may stand between the operands and a comment, but nothing else:
+// `MOV A,R0 X` is refused although the register reader stops at the blank.
 void CheckOperandEnd(Assembler& as) {
   if (as.LineHasError) return;
-  if (!TailIsComment(as.Line)) ReportError(as, 15);
+  LineCursor& line = as.Line;
+  int32_t start = line.offset;
+  while (IsBlank(line.Peek())) ++line.offset;
+  char c = line.Peek();
+  if (c == '\n' || c == '\0' || TailIsComment(line)) {
+    line.offset = start;
+    return;
+  }
+  ReportError(as, 15);
 }
 
 void EnsureCurrentSegment(Assembler& as) {

@@ -37,6 +37,10 @@
 // minimum width, so the expected files are self-consistent and byte-exact:
 // a reference to line 6 of source.asm reads ,0013@DIR@/source*asm(6).
 // A length that is wrong in the real output stays wrong by the same amount.
+// Padding is not rewritten: a path printed with "%-40s" (the page header of
+// the list file) is followed by as many blanks as the real path leaves. The
+// run directory's name always has 17 characters, so these blanks are the
+// same on every machine whose /tmp is no symbolic link.
 //
 // UPDATE_GOLDEN=1 writes the normalised actual outputs into the case's
 // expected files, to start a new case. Those files then record what the

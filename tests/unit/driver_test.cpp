@@ -136,6 +136,15 @@ TEST_F(Driver, FirstColumnLabelsOutsideTheA51Dialect) {
   EXPECT_NE(nop.out.find("n.asm(4): Error: Label not allowed"), std::string::npos);
 }
 
+TEST_F(Driver, TextBehindTheOperands) {
+  RunResult run = Assemble("t.asm", " NOP X\n NOP ;c\n NOP /* x\n NOP // x\n MOV A,R0 X\n MOV A,R0\t; ok\n ADD A,#1 Z\n");
+  EXPECT_EQ(run.out.find("t.asm(1)"), std::string::npos);
+  EXPECT_NE(run.out.find("t.asm(5): Error: End of operand field expected\n MOV A,R0 ^X\n"), std::string::npos);
+  EXPECT_EQ(run.out.find("t.asm(6)"), std::string::npos);
+  EXPECT_NE(run.out.find("t.asm(7): Error: End of operand field expected\n ADD A,#1 ^Z\n"), std::string::npos);
+  EXPECT_NE(run.out.find("\nPass 1 complete\n2 errors\n"), std::string::npos);
+}
+
 TEST_F(Driver, LabelsOfTheA51Dialect) {
   RunResult run = Assemble("d.a51", "FOO: BAR EQU 5\n LOOP MOV A,R0\nX = 5\n");
   EXPECT_NE(run.out.find("d.a51(1): Error: Bad opcode\nFOO: B^AR EQU 5\n"), std::string::npos);
