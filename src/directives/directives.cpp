@@ -3,14 +3,15 @@
 // assembled wrong.
 #include "directives/directives.h"
 
+#include "directives/data.h"
+#include "directives/definitions.h"
+#include "directives/general.h"
 #include "directives/segments.h"
 #include "driver/diagnostics.h"
 #include "driver/keywords.h"
 #include "driver/line_reader.h"
 #include "driver/pass.h"
 #include "output/list_file.h"
-#include "symbols/expression.h"
-#include "target/predefined.h"
 #include "textlang/textlang.h"
 
 namespace ta51 {
@@ -32,43 +33,9 @@ int EndDirective(Assembler& as) {
   return kResultDone;
 }
 
-int32_t EvaluatePlain(Assembler& as) {
-  ExprValue expr;
-  return EvaluateExpression(as, expr, nullptr);
-}
-
-// `$REGISTERBANK(n [, n] ...)`: marks banks as used without moving AR0..AR7.
-int RegisterBankControl(Assembler& as) {
-  if (as.Line.Peek() != '(') return ReportError(as, 58);
-  ++as.Line.offset;
-  while (true) {
-    as.LineValue = EvaluatePlain(as);
-    if (as.LineHasError) return 0;
-    if (static_cast<uint32_t>(as.LineValue) > 3) return ReportError(as, 10);
-    as.RegisterBankUsed[as.LineValue] = true;
-    SkipBlanks(as);
-    char c = as.Line.Peek();
-    if (c == ')') {
-      ++as.Line.offset;
-      return kResultNoLabel;
-    }
-    if (c == '\n' || c == '\0') return ReportError(as, 5);
-    ++as.Line.offset;
-  }
-}
-
 int AbsoluteSegmentDirective(Assembler& as, int code) { return SelectAbsoluteSegment(as, code, true, 0, false); }
 
 }  // namespace
-
-int UsingDirective(Assembler& as) {
-  as.LineValue = EvaluatePlain(as);
-  if (as.LineHasError) return 0;
-  if (static_cast<uint32_t>(as.LineValue) > 3) return ReportError(as, 10);
-  EnterBankRegisters(as, as.LineValue);
-  as.RegisterBankUsed[as.LineValue] = true;
-  return kResultNoLabel;
-}
 
 int ProcessDirective(Assembler& as, int code) {
   SkipBlanks(as);
@@ -81,7 +48,28 @@ int ProcessDirective(Assembler& as, int code) {
     case kDirPageWidth: return PageWidthDirective(as);
     case kDirInclude: return ProcessInclude(as);
     case kDirOrg: return OrgDirective(as);
+    case kDirDb: return DbDirective(as);
+    case kDirDw: return DwDirective(as);
+    case kDirDs: return DsDirective(as);
+    case kDirDbit: return DbitDirective(as);
+    case kDirEven: return EvenDirective(as);
+    case kDirAlign: return AlignDirective(as);
+    case kDirBit: return BitDirective(as);
+    case kDirData: return AddressDirective(as, T_DATA);
+    case kDirXdata: return AddressDirective(as, T_XDATA);
+    case kDirIdata: return AddressDirective(as, T_IDATA);
+    case kDirCode: return AddressDirective(as, T_CODE);
     case kDirUsing: return UsingDirective(as);
+    case kDirPublic: return PublicDirective(as);
+    case kDirExtern: return ExternDirective(as);
+    case kDirName: return NameDirective(as);
+    case kDirTitle: return TitleDirective(as);
+    case kDirFail: return FailDirective(as);
+    case kDirPage: return PageDirective(as);
+    case kDirSpace: return SpaceDirective(as);
+    case kDirIncludeLib: return IncludeLibraryDirective(as);
+    case kDirNoOverlay: return NoOverlayDirective(as);
+    case kDirDebugEnd: return kResultDone;  // only the end mark of a __DEBUG block
     case kDirSegment: return SegmentDirective(as);
     case kDirRseg: return RsegDirective(as);
     case kCodeCSEG: case kCodeDSEG: case kCodeXSEG: case kCodeISEG: case kCodeBSEG:

@@ -7,6 +7,5 @@ namespace ta51 {
 
 int ProcessDirective(Assembler& as, int code);
 int ProcessControl(Assembler& as, int code);
-int UsingDirective(Assembler& as);
 
 }  // namespace ta51

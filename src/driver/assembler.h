@@ -3,6 +3,7 @@
 // so a run can be repeated in-process with identical results.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -62,6 +63,8 @@ struct OperandSlot {
 };
 constexpr size_t kOperandSlotCapacity = 15360;
 constexpr int8_t kWholeInstructionFixup = 20;
+// Bytes that one DB or DW statement may store.
+constexpr int32_t kDataStatementLimit = 256;
 
 // Thrown by Terminate; caught only by the entry point.
 struct RunTerminated {
@@ -141,6 +144,8 @@ struct Assembler {
   bool NameIsSet = false;
   std::string ExplicitModuleName;
   std::string TitleText;
+  std::vector<std::string> LibraryList;    // INCLUDELIB names, for the LI record
+  std::vector<std::string> NoOverlayList;  // __NOOVL names of both passes, for NV records
   bool RegisterBankUsed[4] = {false, false, false, false};
   int32_t PercentInstanceCounter = 0;
   int32_t MacroCommentOption = 0;
@@ -173,7 +178,7 @@ struct Assembler {
   uint32_t ItemCount = 1, ItemSize = 1;
   bool ItemIsText = false;
   std::string OpcodeWord;
-  std::vector<uint8_t> DataListBuffer;
+  std::array<uint8_t, kDataStatementLimit> DataListBuffer{};  // bytes of a DB or DW for the list
 
   // --- Facts of the last expression -------------------------------------
   bool ExprUndefined = false;

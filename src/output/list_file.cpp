@@ -153,7 +153,7 @@ void WriteNumberColumn(ListRow& row) {
 
 // DB and DW keep all their bytes apart; an instruction has at most three.
 uint8_t ListedByte(const Assembler& as, int32_t index) {
-  if (as.SavedBytesFlag) return static_cast<size_t>(index) < as.DataListBuffer.size() ? as.DataListBuffer[index] : 0;
+  if (as.SavedBytesFlag) return index < kDataStatementLimit ? as.DataListBuffer[index] : 0;
   return index < 3 ? as.CodeBuffer[index] : 0;
 }
 

@@ -7,6 +7,7 @@
 
 #include "driver/diagnostics.h"
 #include "symbols/symbol_table.h"
+#include "target/operands.h"
 
 namespace ta51 {
 
@@ -155,6 +156,18 @@ void WritePublic(Assembler& as, const SymbolEntry& symbol, unsigned long number)
     WriteObjectRecord(as, "ASI%lX,%X.\r\n", number, static_cast<uint32_t>(symbol.value));
 }
 
+void WriteNameLists(Assembler& as) {
+  for (const std::string& name : as.NoOverlayList)
+    WriteCheckedRecord(as, "NV%02X%s.\r\n", static_cast<unsigned>(name.size()), name.c_str());
+  if (as.LibraryList.empty()) return;
+  std::string record = "LI";
+  for (const std::string& name : as.LibraryList) {
+    if (record.size() > 2) record += ',';
+    record += FormatText("%02X%s", static_cast<unsigned>(name.size()), name.c_str());
+  }
+  WriteCheckedRecord(as, "%s.\r\n", record.c_str());
+}
+
 }  // namespace
 
 int WriteObjectRecord(Assembler& as, const char* format, ...) {
@@ -227,6 +240,10 @@ void WriteSegmentSwitch(Assembler& as) {
   WriteCheckedRecord(as, "IRG,R%X.\r\n", as.CurrentSegment->number);
 }
 
+void WriteNewLocation(Assembler& as, uint32_t location) {
+  if (as.opt.OBJ) WriteObjectRecord(as, "ASP,%X.\r\n", location);
+}
+
 void WriteModuleHead(Assembler& as) {
   for (char& c : as.ModuleName)
     if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
@@ -245,7 +262,7 @@ void WriteSegmentRecords(Assembler& as) {
   }
   WriteSymbolRecords(as);
   WriteCallTargets(as);
-  // The no-overlay names and the library list follow here.
+  WriteNameLists(as);
 }
 
 void WriteSymbolRecords(Assembler& as) {

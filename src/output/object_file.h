@@ -16,6 +16,8 @@ void WriteLoadItem(Assembler& as, const uint8_t* bytes, int count, bool isField,
 // The LR record of the current instruction (second pass).
 void EmitInstruction(Assembler& as);
 void WriteSegmentSwitch(Assembler& as);
+// ASP: the new position of the segment of the last SB, after room with no data.
+void WriteNewLocation(Assembler& as, uint32_t location);
 void WriteModuleHead(Assembler& as);
 void WriteSegmentRecords(Assembler& as);
 void WriteSymbolRecords(Assembler& as);

@@ -1,0 +1,258 @@
+// The first pass defines these names; the second only checks that the same
+// value comes out, so a change between the passes cannot go unnoticed.
+#include "directives/definitions.h"
+
+#include "directives/segments.h"
+#include "driver/diagnostics.h"
+#include "driver/pass.h"
+#include "output/object_file.h"
+#include "symbols/expression.h"
+#include "symbols/symbols.h"
+#include "target/operands.h"
+#include "target/predefined.h"
+
+namespace ta51 {
+
+namespace {
+
+constexpr uint32_t kFirstBitByte = 0x20;
+constexpr uint32_t kLastBitByte = 0x2F;
+constexpr uint32_t kLastBitNumber = 7;
+constexpr uint32_t kDirectAddressLimit = 256;
+
+struct ExternType {
+  const char* keyword;
+  int32_t type;
+};
+
+constexpr ExternType kExternTypes[] = {
+    {"CODE", T_CODE},
+    {"DATA", T_DATA},
+    {"XDATA", T_XDATA},
+    {"IDATA", T_IDATA},
+    {"BIT", T_BIT},
+    {"NUMBER", T_NUMBER},
+};
+
+// An expression whose value must be known in the first pass already; a
+// forward reference is refused rather than found out as a phase error.
+bool EvaluateKnown(Assembler& as, int32_t& value, bool simpleRelocOnly) {
+  int32_t start = as.Line.offset;
+  ExprValue expr;
+  value = EvaluateExpression(as, expr, nullptr, simpleRelocOnly);
+  if (as.LineHasError) return false;
+  if (!as.ExprUndefined) return true;
+  std::string text = as.Line.text.substr(static_cast<size_t>(start), static_cast<size_t>(as.Line.offset - start));
+  while (!text.empty() && IsWhiteSpace(text.back())) text.pop_back();
+  ReportError(as, 33, true, text);
+  return false;
+}
+
+void DefineLabelAs(Assembler& as, int32_t value, int32_t type) {
+  SymbolDefinition definition;
+  definition.value = value;
+  definition.type = type;
+  definition.itemCount = as.ItemCount;
+  definition.itemSize = as.ItemSize;
+  DefineSymbol(as, as.Line.Pointer(as.LabelOffset), definition);
+}
+
+// The symbol of the statement's label, found again in the second pass.
+SymbolEntry* LabelSymbol(Assembler& as) {
+  LookupSymbol(as, as.Line.Pointer(as.LabelOffset));
+  return as.LineHasError ? nullptr : as.FoundSymbol;
+}
+
+// `byte.bit`, with the dot read, into a bit address; false after an error.
+bool BitOfByte(Assembler& as, int32_t& value) {
+  auto byteAddress = static_cast<uint32_t>(value);
+  if (!IsBitAddressable(byteAddress)) return ReportError(as, 78);
+  int32_t bit = 0;
+  if (!EvaluateKnown(as, bit, false)) return false;
+  if (static_cast<uint32_t>(bit) > kLastBitNumber) return ReportError(as, 78);
+  // Bytes 20H to 2FH hold bits 0 to 7FH; a register's bits follow its address.
+  if (byteAddress >= kFirstBitByte && byteAddress <= kLastBitByte) byteAddress = (byteAddress - kFirstBitByte) * 8;
+  value = static_cast<int32_t>(byteAddress + static_cast<uint32_t>(bit));
+  return true;
+}
+
+// What PUBLIC does to a name in the first pass.
+void DeclarePublic(Assembler& as) {
+  int type = LookupSymbol(as, as.Line.Here());
+  if (as.LineHasError) return;
+  switch (type) {
+    case 0: {
+      SymbolDefinition definition;
+      definition.value = 0;
+      definition.type = T_DECLARED;
+      definition.relocation = REL_XDEF;
+      definition.itemCount = as.ItemCount;
+      definition.itemSize = as.ItemSize;
+      DefineSymbol(as, as.Line.Here(), definition);
+      break;
+    }
+    case T_BIT: case T_DATA: case T_CODE: case T_NUMBER: case T_XDATA: case T_IDATA:
+      MarkPublic(as, 0, 0);
+      break;
+    case T_DECLARED:
+      break;  // announced twice
+    default:
+      ReportError(as, 72);
+      break;
+  }
+}
+
+// What EXTRN does to a name in the first pass.
+void DeclareExternal(Assembler& as, int32_t type) {
+  LookupSymbol(as, as.Line.Here());
+  if (as.LineHasError) return;
+  const SymbolEntry* found = as.FoundSymbol;
+  if (found == nullptr) {
+    SymbolDefinition definition;
+    definition.value = as.NextExternalIndex++;
+    definition.type = type;
+    definition.relocation = REL_XREF;
+    definition.itemCount = as.ItemCount;
+    definition.itemSize = as.ItemSize;
+    DefineSymbol(as, as.Line.Here(), definition);
+    return;
+  }
+  // Declared again alike, or public already: the name stays as it is.
+  if ((found->relocation == REL_XREF && found->type == type) || found->relocation == REL_XDEF) return;
+  ReportError(as, 13);
+}
+
+// Reads the name at the read offset and moves past it; false after an error.
+bool ReadListedName(Assembler& as) {
+  SkipBlanks(as);
+  if (!ReadName(as, as.Line.Here())) {
+    if (!as.LineHasError) ReportError(as, 11);
+    return false;
+  }
+  return true;
+}
+
+int32_t ReadExternType(Assembler& as) {
+  SkipBlanks(as);
+  for (const ExternType& row : kExternTypes)
+    if (MatchKeyword(as, row.keyword, " \t(")) return row.type;
+  return 0;
+}
+
+// The names of one `type(...)` group of EXTRN; false after an error.
+bool ReadExternGroup(Assembler& as, int32_t type) {
+  while (true) {
+    if (!ReadListedName(as)) return false;
+    if (!as.SecondPass) DeclareExternal(as, type);
+    if (as.LineHasError) return false;
+    as.Line.offset += static_cast<int32_t>(as.NameBuffer.size());
+    if (as.Line.Peek() == ',') {
+      ++as.Line.offset;
+      continue;
+    }
+    if (NextNonBlank(as) == ')') return true;
+    --as.Line.offset;
+    ReportError(as, 5);
+    return false;
+  }
+}
+
+}  // namespace
+
+int AddressDirective(Assembler& as, int32_t type) {
+  if (!as.LineHasLabel) return ReportError(as, 27);
+  if (!EvaluateKnown(as, as.LineValue, true)) return 0;
+  if (!as.SecondPass) {
+    bool byteSpace = type == T_DATA || type == T_IDATA;
+    if (byteSpace && static_cast<uint32_t>(as.LineValue) >= kDirectAddressLimit) return ReportError(as, 84);
+    DefineLabelAs(as, as.LineValue, type);
+    return kResultNoLabel;
+  }
+  SymbolEntry* symbol = LabelSymbol(as);
+  if (symbol == nullptr || symbol->value != as.LineValue) return ReportError(as, 17);
+  return kResultNoLabel;
+}
+
+int BitDirective(Assembler& as) {
+  if (!as.LineHasLabel) return ReportError(as, 27);
+  int32_t value = 0;
+  if (!EvaluateKnown(as, value, true)) return 0;
+  if (as.ExprType != T_BIT) {
+    if (as.Line.Peek() == '.') {
+      ++as.Line.offset;
+      if (!BitOfByte(as, value)) return 0;
+    } else if (as.ExprType != T_NUMBER || static_cast<uint32_t>(value) >= kDirectAddressLimit) {
+      return ReportError(as, 78);
+    }
+  }
+  as.LineValue = value;
+  if (!as.SecondPass) {
+    DefineLabelAs(as, value, T_BIT);
+    return kResultNoLabel;
+  }
+  SymbolEntry* symbol = LabelSymbol(as);
+  if (symbol == nullptr || symbol->type != T_BIT || symbol->value != value) return ReportError(as, 17);
+  return kResultNoLabel;
+}
+
+int PublicDirective(Assembler& as) {
+  as.ShowLineValue = false;
+  while (true) {
+    if (!ReadListedName(as)) return 0;
+    if (!as.SecondPass) DeclarePublic(as);
+    if (as.LineHasError) return 0;
+    as.Line.offset += static_cast<int32_t>(as.NameBuffer.size());
+    if (as.Line.Peek() != ',') return kResultNoLabel;
+    ++as.Line.offset;
+  }
+}
+
+int ExternDirective(Assembler& as) {
+  as.ShowLineValue = false;
+  while (true) {
+    int32_t type = ReadExternType(as);
+    if (type == 0) return ReportError(as, 91);
+    if (NextNonBlank(as) != '(') {
+      --as.Line.offset;
+      return ReportError(as, 58);
+    }
+    if (!ReadExternGroup(as, type)) return 0;
+    if (NextNonBlank(as) != ',') {
+      --as.Line.offset;
+      return kResultNoLabel;
+    }
+  }
+}
+
+int UsingDirective(Assembler& as) {
+  ExprValue expr;
+  as.LineValue = EvaluateExpression(as, expr, nullptr);
+  if (as.LineHasError) return 0;
+  if (static_cast<uint32_t>(as.LineValue) > 3) return ReportError(as, 10);
+  EnterBankRegisters(as, as.LineValue);
+  as.RegisterBankUsed[as.LineValue] = true;
+  return kResultNoLabel;
+}
+
+// `$REGISTERBANK(n [, n] ...)`: marks banks as used without moving AR0..AR7.
+int RegisterBankControl(Assembler& as) {
+  if (as.Line.Peek() != '(') return ReportError(as, 58);
+  ++as.Line.offset;
+  while (true) {
+    ExprValue expr;
+    as.LineValue = EvaluateExpression(as, expr, nullptr);
+    if (as.LineHasError) return 0;
+    if (static_cast<uint32_t>(as.LineValue) > 3) return ReportError(as, 10);
+    as.RegisterBankUsed[as.LineValue] = true;
+    SkipBlanks(as);
+    char c = as.Line.Peek();
+    if (c == ')') {
+      ++as.Line.offset;
+      return kResultNoLabel;
+    }
+    if (c == '\n' || c == '\0') return ReportError(as, 5);
+    ++as.Line.offset;
+  }
+}
+
+}  // namespace ta51
