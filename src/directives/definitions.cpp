@@ -34,18 +34,13 @@ constexpr ExternType kExternTypes[] = {
     {"NUMBER", T_NUMBER},
 };
 
-// An expression whose value must be known in the first pass already; a
-// forward reference is refused rather than found out as a phase error.
-bool EvaluateKnown(Assembler& as, int32_t& value, bool simpleRelocOnly) {
-  int32_t start = as.Line.offset;
+// The value of the operand, with no text for the linker. A forward
+// reference reads as the undefined marker in the first pass; the second pass
+// then finds a different value and stops with "Phase error".
+bool EvaluateAbsolute(Assembler& as, int32_t& value, bool simpleRelocOnly) {
   ExprValue expr;
   value = EvaluateExpression(as, expr, nullptr, simpleRelocOnly);
-  if (as.LineHasError) return false;
-  if (!as.ExprUndefined) return true;
-  std::string text = as.Line.text.substr(static_cast<size_t>(start), static_cast<size_t>(as.Line.offset - start));
-  while (!text.empty() && IsWhiteSpace(text.back())) text.pop_back();
-  ReportError(as, 33, true, text);
-  return false;
+  return !as.LineHasError;
 }
 
 void DefineLabelAs(Assembler& as, int32_t value, int32_t type) {
@@ -68,7 +63,7 @@ bool BitOfByte(Assembler& as, int32_t& value) {
   auto byteAddress = static_cast<uint32_t>(value);
   if (!IsBitAddressable(byteAddress)) return ReportError(as, 78);
   int32_t bit = 0;
-  if (!EvaluateKnown(as, bit, false)) return false;
+  if (!EvaluateAbsolute(as, bit, false)) return false;
   if (static_cast<uint32_t>(bit) > kLastBitNumber) return ReportError(as, 78);
   // Bytes 20H to 2FH hold bits 0 to 7FH; a register's bits follow its address.
   if (byteAddress >= kFirstBitByte && byteAddress <= kLastBitByte) byteAddress = (byteAddress - kFirstBitByte) * 8;
@@ -161,7 +156,7 @@ bool ReadExternGroup(Assembler& as, int32_t type) {
 
 int AddressDirective(Assembler& as, int32_t type) {
   if (!as.LineHasLabel) return ReportError(as, 27);
-  if (!EvaluateKnown(as, as.LineValue, true)) return 0;
+  if (!EvaluateAbsolute(as, as.LineValue, true)) return 0;
   if (!as.SecondPass) {
     bool byteSpace = type == T_DATA || type == T_IDATA;
     if (byteSpace && static_cast<uint32_t>(as.LineValue) >= kDirectAddressLimit) return ReportError(as, 84);
@@ -176,7 +171,7 @@ int AddressDirective(Assembler& as, int32_t type) {
 int BitDirective(Assembler& as) {
   if (!as.LineHasLabel) return ReportError(as, 27);
   int32_t value = 0;
-  if (!EvaluateKnown(as, value, true)) return 0;
+  if (!EvaluateAbsolute(as, value, true)) return 0;
   if (as.ExprType != T_BIT) {
     if (as.Line.Peek() == '.') {
       ++as.Line.offset;

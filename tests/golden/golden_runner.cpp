@@ -12,6 +12,8 @@
 //   objname, lstname names of the object and list file ("source.OBJ",
 //                    "source.LST" when absent)
 //   about            free text: what the case checks and why
+//   from             files kept elsewhere in the tree (the examples), one
+//                    path per line relative to the case; each is copied in
 //   expected.stdout  standard output (required)
 //   expected.status  exit status as a decimal number (required)
 //   expected.obj     the object file; or expected.noobj: it must not exist
@@ -79,7 +81,7 @@ constexpr unsigned kTimeoutSeconds = 60;
 constexpr size_t kContextLines = 3;  // actual lines shown after a difference
 const std::set<std::string> kControlFiles = {
     "args",           "env",           "objname",      "lstname",
-    "about",          "expected.stdout", "expected.status", "expected.obj",
+    "about",          "from",          "expected.stdout", "expected.status", "expected.obj",
     "expected.noobj", "expected.lst",  "expected.nolst", "expected.stderr"};
 
 // ---------------------------------------------------------------- files ---
@@ -362,6 +364,13 @@ void CopyCaseFiles(CaseRun& run) {
     std::string name = entry.path().filename().string();
     if (kControlFiles.count(name) != 0) continue;
     fs::copy(entry.path(), fs::path(run.runDir) / name, fs::copy_options::recursive);
+    run.copied.insert(name);
+  }
+  for (const std::string& line : SplitLines(ReadFileOr(run.caseDir / "from", ""))) {
+    if (Trim(line).empty()) continue;
+    fs::path source = run.caseDir / Trim(line);
+    std::string name = source.filename().string();
+    fs::copy(source, fs::path(run.runDir) / name);
     run.copied.insert(name);
   }
 }
