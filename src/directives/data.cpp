@@ -71,7 +71,9 @@ bool StoreString(Assembler& as) {
 bool StoreExpression(Assembler& as, bool counted) {
   ExprValue expr;
   int32_t value = EvaluateExpression(as, expr, &as.OperandSlot1.text);
-  if (as.LineHasError || StoreDataElement(as, value)) return false;
+  // The element keeps its place even after a bad expression; the error
+  // then ends the statement.
+  if (StoreDataElement(as, value)) return false;
   if (counted) ++as.ItemCount;
   // In the first pass a forward reference simply takes its place.
   if (as.ExprUndefined && as.SecondPass) {
@@ -117,12 +119,11 @@ bool ReadReservedSize(Assembler& as, bool textInMessage, int32_t& size) {
   int32_t start = as.Line.offset;
   ExprValue expr;
   size = EvaluateExpression(as, expr, nullptr);
-  if (as.LineHasError) return false;
   if (as.ExprUndefined) {
     ReportError(as, 33, true, textInMessage ? OperandTextFrom(as, start) : std::string());
     return false;
   }
-  return true;
+  return !as.LineHasError;
 }
 
 // The label of DS or DBIT stands at the start of the room.

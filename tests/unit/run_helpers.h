@@ -89,6 +89,36 @@ class AssemblyTest : public ::testing::Test {
     return Run(arguments);
   }
 
+  // The records of the module between AD and ME, each ended by one blank.
+  std::string Body(const std::string& source, const std::string& name = "s.asm") {
+    RunResult run = Assemble(name, source);
+    EXPECT_EQ(run.status, 0) << run.out;
+    std::string object = Read(name.substr(0, name.find('.')) + ".OBJ");
+    size_t start = object.find("AD8,2,L.\r\n");
+    size_t end = object.rfind("ME.\r\n");
+    if (start == std::string::npos || end == std::string::npos) return object;
+    std::string body = object.substr(start + 10, end - start - 10);
+    std::string plain;
+    for (char c : body)
+      if (c != '\r') plain += c == '\n' ? ' ' : c;
+    return plain;
+  }
+  // The source reference of a field on `line` of s.asm.
+  std::string Reference(int line) const {
+    std::string text = Path("s*asm") + "(" + std::to_string(line) + ")";
+    char length[8];
+    std::snprintf(length, sizeof length, ",%04X", static_cast<unsigned>(text.size()));
+    return length + text;
+  }
+  // The messages of the errors that assembling `source` reports, each ended by `;`.
+  std::string Errors(const std::string& source, const std::string& name = "e.asm") {
+    RunResult run = Assemble(name, source);
+    std::string found;
+    for (size_t at = run.out.find("Error: "); at != std::string::npos; at = run.out.find("Error: ", at + 1))
+      found += run.out.substr(at + 7, run.out.find('\n', at) - at - 7) + ";";
+    return found;
+  }
+
   bool TemporaryFilesLeft() const {
     for (const auto& entry : std::filesystem::directory_iterator(directory_))
       if (entry.path().filename().string().rfind("zvtmp", 0) == 0) return true;

@@ -4,37 +4,7 @@
 namespace ta51::testing {
 namespace {
 
-class Segments : public AssemblyTest {
- protected:
-  // The records of the module between AD and ME.
-  std::string Body(const std::string& source, const std::string& name = "s.asm") {
-    RunResult run = Assemble(name, source);
-    EXPECT_EQ(run.status, 0) << run.out;
-    std::string object = Read(name.substr(0, name.find('.')) + ".OBJ");
-    size_t start = object.find("AD8,2,L.\r\n");
-    size_t end = object.rfind("ME.\r\n");
-    if (start == std::string::npos || end == std::string::npos) return object;
-    std::string body = object.substr(start + 10, end - start - 10);
-    std::string plain;
-    for (char c : body)
-      if (c != '\r') plain += c == '\n' ? ' ' : c;
-    return plain;
-  }
-  // The source reference of a field on `line` of s.asm.
-  std::string Reference(int line) {
-    std::string text = Path("s*asm") + "(" + std::to_string(line) + ")";
-    char length[8];
-    std::snprintf(length, sizeof length, ",%04X", static_cast<unsigned>(text.size()));
-    return length + text;
-  }
-  std::string Errors(const std::string& source) {
-    RunResult run = Assemble("e.asm", source);
-    std::string found;
-    for (size_t at = run.out.find("Error: "); at != std::string::npos; at = run.out.find("Error: ", at + 1))
-      found += run.out.substr(at + 7, run.out.find('\n', at) - at - 7) + ";";
-    return found;
-  }
-};
+using Segments = AssemblyTest;
 
 TEST_F(Segments, DefaultSegmentAndAbsoluteResumption) {
   EXPECT_EQ(Body(" NOP\n"), "ST0,C,A. ASS0,1. ASL0,0. SB0. IRG,R0. LR00. ");
