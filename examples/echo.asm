@@ -25,11 +25,17 @@ LINE_DONE:      DBIT    1       ; a full line stands in LINE_BUF
 LINE_LEN:       DS      1
 STACK:          DS      16
 
+        XSEG    AT 8000H
+LEDS:           DS      1       ; memory-mapped LED latch
+
         RSEG    ECHO_XDATA
 LINE_BUF:       DS      LINE_SIZE
 
         RSEG    ECHO_CODE
 START:  MOV     SP,#STACK-1
+        MOV     DPTR,#LEDS
+        CLR     A
+        MOVX    @DPTR,A         ; all LEDs off
         LCALL   SERIAL_INIT
         SETB    ECHO_ON
         CLR     LINE_DONE
