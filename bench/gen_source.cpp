@@ -10,8 +10,8 @@
 // of distinct labels, which isolates the cost of the symbol table. Between
 // the label lines stands a mix of instructions
 // that refer to labels anywhere in the file, EQU symbols, a SET symbol that
-// changes as the file goes, expressions, comment lines, trailing comments and
-// continuation lines. A new relocatable code segment starts every 4096 lines
+// changes as the file goes, expressions, DB strings and DW words, comment
+// lines, trailing comments and continuation lines. A new relocatable code segment starts every 4096 lines
 // so that no segment outgrows the 64 KiB code space. The text depends only on
 // N and K, so runs can be compared.
 
@@ -109,7 +109,7 @@ class Generator {
 
   void StatementLine() {
     long before = written_;
-    switch (statements_++ % 10) {
+    switch (statements_++ % 12) {
       case 0: Emit("\tMOV\tA,#LOW (V*3+" + std::to_string(Next() % 1000) + ")"); break;
       case 1: Emit("\tLJMP\t" + AnyLabel()); break;
       case 2: Emit("V\tSET\tV+1"); break;
@@ -119,7 +119,9 @@ class Generator {
       case 6: Emit("\tMOV\tDPTR,#" + AnyLabel() + "+2"); break;
       case 7: Emit("\tADD\tA,R" + std::to_string(Next() % 8)); break;
       case 8: Emit("\tMOV\tDPTR,#" + AnyLabel() + "-" + AnyEqu()); break;
-      default: DefineEqu(); break;
+      case 9: DefineEqu(); break;
+      case 10: Emit("\tDB\t'text ''" + std::to_string(Next() % 100) + "''', 0DH, 0AH, " + AnyEqu()); break;
+      default: Emit("\tDW\t" + AnyLabel() + ", " + AnyLabel() + "+1, " + std::to_string(Next() % 65536)); break;
     }
     segmentLines_ += written_ - before;
   }
