@@ -5,7 +5,6 @@
 #include "directives/segments.h"
 #include "driver/diagnostics.h"
 #include "driver/pass.h"
-#include "output/object_file.h"
 #include "symbols/expression.h"
 #include "symbols/symbols.h"
 #include "target/operands.h"

@@ -1,5 +1,8 @@
 #include "directives/general.h"
 
+#include <algorithm>
+#include <string>
+
 #include "driver/diagnostics.h"
 #include "driver/pass.h"
 #include "output/list_file.h"
