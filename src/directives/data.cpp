@@ -117,8 +117,7 @@ void SkipUnits(Assembler& as, uint32_t count) {
 // DS and DBIT: the size, read in both passes, must be known at once.
 bool ReadReservedSize(Assembler& as, bool textInMessage, int32_t& size) {
   int32_t start = as.Line.offset;
-  ExprValue expr;
-  size = EvaluateExpression(as, expr, nullptr);
+  size = EvaluateAbsolute(as);
   if (as.ExprUndefined) {
     ReportError(as, 33, true, textInMessage ? OperandTextFrom(as, start) : std::string());
     return false;
@@ -209,8 +208,7 @@ int EvenDirective(Assembler& as) {
 int AlignDirective(Assembler& as) {
   if (as.CurrentSegment == nullptr) return kResultDone;
   int32_t start = as.Line.offset;
-  ExprValue expr;
-  auto multiple = static_cast<uint32_t>(EvaluateExpression(as, expr, nullptr));
+  auto multiple = static_cast<uint32_t>(EvaluateAbsolute(as));
   if (as.LineHasError) return 0;
   // A forward reference would move the position differently in each pass.
   if (as.ExprUndefined) return ReportError(as, 33, true, OperandTextFrom(as, start));

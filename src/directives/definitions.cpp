@@ -33,22 +33,19 @@ constexpr ExternType kExternTypes[] = {
     {"NUMBER", T_NUMBER},
 };
 
-// The value of the operand, with no text for the linker. A forward
-// reference reads as the undefined marker in the first pass; the second pass
-// then finds a different value and stops with "Phase error".
-bool EvaluateAbsolute(Assembler& as, int32_t& value, bool simpleRelocOnly) {
-  ExprValue expr;
-  value = EvaluateExpression(as, expr, nullptr, simpleRelocOnly);
-  return !as.LineHasError;
-}
-
-void DefineLabelAs(Assembler& as, int32_t value, int32_t type) {
+// The name at `name` with the statement's item count and size.
+void DefineNamed(Assembler& as, const char* name, int32_t value, int32_t type, int32_t relocation) {
   SymbolDefinition definition;
   definition.value = value;
   definition.type = type;
+  definition.relocation = relocation;
   definition.itemCount = as.ItemCount;
   definition.itemSize = as.ItemSize;
-  DefineSymbol(as, as.Line.Pointer(as.LabelOffset), definition);
+  DefineSymbol(as, name, definition);
+}
+
+void DefineLabelAs(Assembler& as, int32_t value, int32_t type) {
+  DefineNamed(as, as.Line.Pointer(as.LabelOffset), value, type, REL_NULL);
 }
 
 // The symbol of the statement's label, found again in the second pass.
@@ -61,8 +58,8 @@ SymbolEntry* LabelSymbol(Assembler& as) {
 bool BitOfByte(Assembler& as, int32_t& value) {
   auto byteAddress = static_cast<uint32_t>(value);
   if (!IsBitAddressable(byteAddress)) return ReportError(as, 78);
-  int32_t bit = 0;
-  if (!EvaluateAbsolute(as, bit, false)) return false;
+  int32_t bit = EvaluateAbsolute(as);
+  if (as.LineHasError) return false;
   if (static_cast<uint32_t>(bit) > kLastBitNumber) return ReportError(as, 78);
   // Bytes 20H to 2FH hold bits 0 to 7FH; a register's bits follow its address.
   if (byteAddress >= kFirstBitByte && byteAddress <= kLastBitByte) byteAddress = (byteAddress - kFirstBitByte) * 8;
@@ -75,16 +72,9 @@ void DeclarePublic(Assembler& as) {
   int type = LookupSymbol(as, as.Line.Here());
   if (as.LineHasError) return;
   switch (type) {
-    case 0: {
-      SymbolDefinition definition;
-      definition.value = 0;
-      definition.type = T_DECLARED;
-      definition.relocation = REL_XDEF;
-      definition.itemCount = as.ItemCount;
-      definition.itemSize = as.ItemSize;
-      DefineSymbol(as, as.Line.Here(), definition);
+    case 0:
+      DefineNamed(as, as.Line.Here(), 0, T_DECLARED, REL_XDEF);
       break;
-    }
     case T_BIT: case T_DATA: case T_CODE: case T_NUMBER: case T_XDATA: case T_IDATA:
       MarkPublic(as, 0, 0);
       break;
@@ -102,13 +92,7 @@ void DeclareExternal(Assembler& as, int32_t type) {
   if (as.LineHasError) return;
   const SymbolEntry* found = as.FoundSymbol;
   if (found == nullptr) {
-    SymbolDefinition definition;
-    definition.value = as.NextExternalIndex++;
-    definition.type = type;
-    definition.relocation = REL_XREF;
-    definition.itemCount = as.ItemCount;
-    definition.itemSize = as.ItemSize;
-    DefineSymbol(as, as.Line.Here(), definition);
+    DefineNamed(as, as.Line.Here(), as.NextExternalIndex++, type, REL_XREF);
     return;
   }
   // Declared again alike, or public already: the name stays as it is.
@@ -155,7 +139,8 @@ bool ReadExternGroup(Assembler& as, int32_t type) {
 
 int AddressDirective(Assembler& as, int32_t type) {
   if (!as.LineHasLabel) return ReportError(as, 27);
-  if (!EvaluateAbsolute(as, as.LineValue, true)) return 0;
+  as.LineValue = EvaluateAbsolute(as, true);
+  if (as.LineHasError) return 0;
   if (!as.SecondPass) {
     bool byteSpace = type == T_DATA || type == T_IDATA;
     if (byteSpace && static_cast<uint32_t>(as.LineValue) >= kDirectAddressLimit) return ReportError(as, 84);
@@ -169,8 +154,8 @@ int AddressDirective(Assembler& as, int32_t type) {
 
 int BitDirective(Assembler& as) {
   if (!as.LineHasLabel) return ReportError(as, 27);
-  int32_t value = 0;
-  if (!EvaluateAbsolute(as, value, true)) return 0;
+  int32_t value = EvaluateAbsolute(as, true);
+  if (as.LineHasError) return 0;
   if (as.ExprType != T_BIT) {
     if (as.Line.Peek() == '.') {
       ++as.Line.offset;
@@ -219,8 +204,7 @@ int ExternDirective(Assembler& as) {
 }
 
 int UsingDirective(Assembler& as) {
-  ExprValue expr;
-  as.LineValue = EvaluateExpression(as, expr, nullptr);
+  as.LineValue = EvaluateAbsolute(as);
   if (as.LineHasError) return 0;
   if (static_cast<uint32_t>(as.LineValue) > 3) return ReportError(as, 10);
   EnterBankRegisters(as, as.LineValue);
@@ -233,8 +217,7 @@ int RegisterBankControl(Assembler& as) {
   if (as.Line.Peek() != '(') return ReportError(as, 58);
   ++as.Line.offset;
   while (true) {
-    ExprValue expr;
-    as.LineValue = EvaluateExpression(as, expr, nullptr);
+    as.LineValue = EvaluateAbsolute(as);
     if (as.LineHasError) return 0;
     if (static_cast<uint32_t>(as.LineValue) > 3) return ReportError(as, 10);
     as.RegisterBankUsed[as.LineValue] = true;

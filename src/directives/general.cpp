@@ -95,8 +95,7 @@ int PageDirective(Assembler& as) {
     as.ListThisLine = false;
     return kResultNoLabel;
   }
-  ExprValue expr;
-  int32_t length = EvaluateExpression(as, expr, nullptr);
+  int32_t length = EvaluateAbsolute(as);
   if (as.LineHasError) return 0;
   as.PageLength = length;
   as.LineValue = length;
@@ -107,8 +106,7 @@ int SpaceDirective(Assembler& as) {
   if (as.LineHasLabel) return ReportError(as, 56);
   as.ListThisLine = false;
   if (!as.opt.LIST) return kResultNoLabel;
-  ExprValue expr;
-  auto count = static_cast<uint32_t>(EvaluateExpression(as, expr, nullptr));
+  auto count = static_cast<uint32_t>(EvaluateAbsolute(as));
   if (as.LineHasError) return 0;
   if (count > kSpaceLimit) return ReportError(as, 28);
   for (uint32_t n = 0; n < count; ++n) {

@@ -108,11 +108,6 @@ void MakeCurrent(Assembler& as, SegmentEntry* segment) {
   if (as.SecondPass) WriteSegmentSwitch(as);
 }
 
-int32_t EvaluatePlain(Assembler& as, bool simpleRelocOnly) {
-  ExprValue expr;
-  return EvaluateExpression(as, expr, nullptr, simpleRelocOnly);
-}
-
 // Skips blanks and tests the alignment keywords; 0 after an error.
 int32_t ReadAlignment(Assembler& as, int32_t type) {
   SkipBlanks(as);
@@ -198,7 +193,7 @@ int SelectAbsoluteSegment(Assembler& as, int code, bool readAt, uint32_t address
   if (readAt) {
     SkipBlanks(as);
     if (MatchKeyword(as, "AT", kKeywordFollow)) {
-      address = static_cast<uint32_t>(EvaluatePlain(as, false));
+      address = static_cast<uint32_t>(EvaluateAbsolute(as));
       if (as.LineHasError) return 0;
       candidate = nullptr;
     }
@@ -273,7 +268,7 @@ int RsegDirective(Assembler& as) {
 
 int OrgDirective(Assembler& as) {
   if (as.LineHasLabel) return ReportError(as, 56);
-  uint32_t value = static_cast<uint32_t>(EvaluatePlain(as, true));
+  uint32_t value = static_cast<uint32_t>(EvaluateAbsolute(as, true));
   if (as.LineHasError) return 0;
   SegmentEntry* current = as.CurrentSegment;
   if (current == nullptr) {

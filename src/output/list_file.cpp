@@ -397,8 +397,7 @@ int FieldsDirective(Assembler& as) {
     }
     // An empty place keeps its width.
     if (as.Line.Peek() == ',' || AtStatementEnd(as.Line)) continue;
-    ExprValue expr;
-    const int32_t value = EvaluateExpression(as, expr, nullptr);
+    const int32_t value = EvaluateAbsolute(as);
     if (as.LineHasError) return 0;
     *widths[place] = value;
   }
@@ -406,8 +405,7 @@ int FieldsDirective(Assembler& as) {
 }
 
 int PageWidthDirective(Assembler& as) {
-  ExprValue expr;
-  const int32_t value = EvaluateExpression(as, expr, nullptr);
+  const int32_t value = EvaluateAbsolute(as);
   if (as.LineHasError) return 0;
   if (value != as.ListLineLimit) as.WidthChanged = true;
   as.ListLineLimit = value;

@@ -550,4 +550,9 @@ int32_t EvaluateExpression(Assembler& as, ExprValue& expr, std::string* textBuff
   return 0;
 }
 
+int32_t EvaluateAbsolute(Assembler& as, bool simpleRelocOnly) {
+  ExprValue expr;
+  return EvaluateExpression(as, expr, nullptr, simpleRelocOnly);
+}
+
 }  // namespace ta51

@@ -78,6 +78,8 @@ struct CExpressionException {
 // expression may hold relocatable terms, whose text lands there.
 int32_t EvaluateExpression(Assembler& as, ExprValue& expr, std::string* textBuffer,
                            bool simpleRelocOnly = false);
+// The same with no text buffer: a relocatable term is an error there.
+int32_t EvaluateAbsolute(Assembler& as, bool simpleRelocOnly = false);
 // Reads the next token at the read offset.
 int ScanToken(Assembler& as, bool skipBlanks);
 
