@@ -6,8 +6,9 @@
 #include <algorithm>
 #include <string>
 
-#include "driver/diagnostics.h"
-#include "driver/pass.h"
+#include "core/diagnostics.h"
+#include "core/statement.h"
+#include "directives/segments.h"
 #include "output/object_file.h"
 #include "symbols/expression.h"
 #include "symbols/symbols.h"

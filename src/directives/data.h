@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

@@ -3,12 +3,12 @@
 #include "directives/definitions.h"
 
 #include "directives/segments.h"
-#include "driver/diagnostics.h"
-#include "driver/pass.h"
+#include "core/diagnostics.h"
+#include "core/statement.h"
 #include "symbols/expression.h"
 #include "symbols/symbols.h"
-#include "target/operands.h"
-#include "target/predefined.h"
+#include "isa/operands.h"
+#include "isa/predefined.h"
 
 namespace ta51 {
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "driver/diagnostics.h"
-#include "driver/pass.h"
+#include "core/diagnostics.h"
+#include "core/statement.h"
 #include "output/list_file.h"
 #include "symbols/expression.h"
 

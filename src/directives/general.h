@@ -2,7 +2,7 @@
 // the page controls, the library list and the no-overlay list.
 #pragma once
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

@@ -5,8 +5,8 @@
 
 #include <cstring>
 
-#include "driver/diagnostics.h"
-#include "driver/pass.h"
+#include "core/diagnostics.h"
+#include "core/statement.h"
 #include "output/object_file.h"
 #include "symbols/expression.h"
 #include "symbols/symbols.h"
@@ -292,6 +292,10 @@ int OrgDirective(Assembler& as) {
   }
   if (as.SecondPass && as.ExprSegment != nullptr && as.ExprSegment != as.CurrentSegment) return ReportError(as, 95);
   return 2;
+}
+
+void EnsureCurrentSegment(Assembler& as) {
+  if (as.CurrentSegment == nullptr) SelectAbsoluteSegment(as, kCodeCSEG, false, 0, false);
 }
 
 }  // namespace ta51

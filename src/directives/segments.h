@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 
@@ -13,6 +13,8 @@ enum : int { kCodeCSEG = 46, kCodeDSEG = 47, kCodeXSEG = 48, kCodeISEG = 49, kCo
 SegmentEntry* NewSegment(Assembler& as, int32_t type);
 int SelectAbsoluteSegment(Assembler& as, int code, bool readAt, uint32_t address, bool forced);
 void CreatePredefinedSegments(Assembler& as);
+// Selects the default absolute code segment when there is no current one.
+void EnsureCurrentSegment(Assembler& as);
 // Positions back to their start for a new pass.
 void RewindSegments(Assembler& as);
 int SegmentDirective(Assembler& as);

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "directives/segments.h"
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 #include "driver/line_reader.h"
 #include "driver/options.h"
 #include "driver/pass.h"
@@ -12,7 +12,7 @@
 #include "output/object_file.h"
 #include "platform/platform.h"
 #include "symbols/symbols.h"
-#include "target/predefined.h"
+#include "isa/predefined.h"
 
 namespace ta51 {
 
@@ -158,6 +158,15 @@ void BuildObjectFile(Assembler& as) {
   as.BodyFileExists = false;
 }
 
+// OBJOFF in the second pass: the object file keeps what it had when it was
+// opened, nothing, and the body written so far is dropped with its file.
+void CloseObjectLeftByObjoff(Assembler& as) {
+  FILE* object = as.FinalObjectStream;
+  as.FinalObjectStream = as.ObjectStream = nullptr;
+  if (std::fclose(object) != 0) ReportError(as, 25, false);
+  RemoveTemporaryFiles(as);
+}
+
 void PrintClosingMessage(Assembler& as) {
   char text[160];
   if (as.CL)
@@ -207,7 +216,11 @@ void AssembleFile(Assembler& as) {
   as.SecondPass = 1;
   if (as.ErrorCount == 0) {
     RunSecondPass(as);
-    if (as.opt.OBJ) BuildObjectFile(as);
+    if (as.opt.OBJ) {
+      BuildObjectFile(as);
+    } else if (as.FinalObjectStream != nullptr) {
+      CloseObjectLeftByObjoff(as);
+    }
     if (!as.NOLOGO) PrintClosingMessage(as);
     if (as.opt.LIST && as.opt.SYM) ListSymbolTable(as);
   }

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <new>
 
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 #include "driver/options.h"
 #include "driver/pass.h"
 #include "platform/platform.h"

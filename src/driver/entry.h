@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

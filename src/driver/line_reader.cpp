@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 #include "driver/pass.h"
 #include "output/list_file.h"
 #include "platform/platform.h"

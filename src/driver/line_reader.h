@@ -1,7 +1,7 @@
 // Delivers logical source lines and runs INCLUDE.
 #pragma once
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

@@ -2,8 +2,8 @@
 
 #include <strings.h>
 
-#include "driver/diagnostics.h"
-#include "target/predefined.h"
+#include "core/diagnostics.h"
+#include "isa/predefined.h"
 
 namespace ta51 {
 

@@ -4,9 +4,10 @@
 
 #include <cctype>
 
-#include "directives/directives.h"
+#include "driver/directive_dispatch.h"
 #include "directives/segments.h"
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
+#include "core/statement.h"
 #include "driver/keywords.h"
 #include "driver/line_reader.h"
 #include "driver/options.h"
@@ -14,8 +15,8 @@
 #include "output/object_file.h"
 #include "symbols/expression.h"
 #include "symbols/symbols.h"
-#include "target/encoder.h"
-#include "target/predefined.h"
+#include "isa/encoder.h"
+#include "isa/predefined.h"
 #include "textlang/textlang.h"
 
 namespace ta51 {
@@ -237,13 +238,6 @@ void ProcessMacroDefinition(Assembler& as, int result) {
   MacroStatement(as, result);
 }
 
-bool TailIsComment(const LineCursor& line) {
-  char c = line.Peek();
-  if (c == ';' || c == ' ' || c == '\t' || c == '\n' || c == '\0') return true;
-  char next = line.At(line.offset + 1);
-  return c == '/' && (next == '*' || next == '/');
-}
-
 // What the result of a statement asks of the loop; false when the
 // iteration ends here (step 17).
 bool ActOnResult(Assembler& as, int result) {
@@ -347,31 +341,6 @@ int MacroNameCall(Assembler& as) {
 }
 
 }  // namespace
-
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-bool IsWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-void SkipBlanks(Assembler& as) {
-  while (IsBlank(as.Line.Peek())) ++as.Line.offset;
-}
-
-// Blanks may stand between the operands and a comment, but nothing else:
-// `MOV A,R0 X` is refused although the register reader stops at the blank.
-void CheckOperandEnd(Assembler& as) {
-  if (as.LineHasError) return;
-  LineCursor& line = as.Line;
-  int32_t start = line.offset;
-  while (IsBlank(line.Peek())) ++line.offset;
-  char c = line.Peek();
-  if (c == '\n' || c == '\0' || TailIsComment(line)) {
-    line.offset = start;
-    return;
-  }
-  ReportError(as, 15);
-}
-
-void EnsureCurrentSegment(Assembler& as) {
-  if (as.CurrentSegment == nullptr) SelectAbsoluteSegment(as, kCodeCSEG, false, 0, false);
-}
 
 int ProcessStatement(Assembler& as) {
   SkipBlanks(as);

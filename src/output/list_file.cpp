@@ -4,9 +4,9 @@
 #include <cstdarg>
 #include <string>
 
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 #include "symbols/expression.h"
-#include "target/predefined.h"
+#include "isa/predefined.h"
 
 namespace ta51 {
 

@@ -1,7 +1,7 @@
 // The list file: listed lines, page headers and the symbol table.
 #pragma once
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <string>
 
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 #include "symbols/symbol_table.h"
-#include "target/operands.h"
+#include "isa/operands.h"
 
 namespace ta51 {
 
@@ -24,13 +24,17 @@ std::string SourceReference(const Assembler& as) {
   if (as.DebugFileSeen || file.find("\\zvtmp") != std::string::npos || file.find("\\ZVTMP") != std::string::npos ||
       file.find("/zvtmp") != std::string::npos || file.find("/ZVTMP") != std::string::npos)
     return {};
-  std::string text = file;
-  for (char& c : text)
-    if (c == '.') c = '*';
-  text += "(" + std::to_string(as.LineNumber) + ")";
+  char line[16];
+  int lineLength = std::snprintf(line, sizeof line, "(%u)", as.LineNumber);
+  size_t nameLength = file.size() + static_cast<size_t>(lineLength);
+  std::string reference;
+  reference.reserve(nameLength + 8);
   char length[16];
-  std::snprintf(length, sizeof length, ",%04lX", static_cast<unsigned long>(text.size()));
-  return length + text;
+  std::snprintf(length, sizeof length, ",%04lX", static_cast<unsigned long>(nameLength));
+  reference.append(length);
+  for (char c : file) reference.push_back(c == '.' ? '*' : c);
+  reference.append(line, static_cast<size_t>(lineLength));
+  return reference;
 }
 
 char SpaceLetter(int32_t space) { return space == 0 ? 'B' : space == 1 ? 'D' : 'I'; }
@@ -108,7 +112,7 @@ void WriteReservedUnits(Assembler& as, const SegmentEntry& segment) {
 void WriteAbsoluteSegment(Assembler& as, const SegmentEntry& segment) {
   if (segment.location == segment.startAddress) return;
   if (segment.registerBank >= 0) {
-    std::string name = "Register bank " + std::to_string(segment.registerBank);
+    std::string name = std::string("Register bank ").append(std::to_string(segment.registerBank));
     WriteCheckedRecord(as, "ST%lX,%s,A,M,%02X%s.\r\n", static_cast<unsigned long>(segment.number),
                        TypeText(segment.type), static_cast<unsigned>(name.size()), name.c_str());
   } else {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 #include "symbols/symbols.h"
 #include "symbols/tokens.h"
 
@@ -453,12 +453,12 @@ class Evaluator {
   }
 
   std::string RelocatableText(const SymbolEntry& symbol) {
-    if (symbol.relocation == REL_XREF) return "X" + Hex(symbol.value);
+    if (symbol.relocation == REL_XREF) return Hex(symbol.value).insert(0, 1, 'X');
     if (symbol.type == T_RSEGMENT) {
       as_.ExprType = symbol.relocation;  // a segment name keeps its segment's type there
-      return "L" + Hex(symbol.value);
+      return Hex(symbol.value).insert(0, 1, 'L');
     }
-    if (!symbol.expression.empty()) return "(" + symbol.expression + ")";
+    if (!symbol.expression.empty()) return std::string(1, '(').append(symbol.expression).append(1, ')');
     return SegmentText(symbol.segment, symbol.value);
   }
 

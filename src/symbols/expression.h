@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cctype>
 
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 #include "symbols/expression.h"
 
 namespace ta51 {

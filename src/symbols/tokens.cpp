@@ -65,7 +65,7 @@ std::string OperatorText(int code) {
   for (const OperatorRow& row : kOperators) {
     if (row.code != code) continue;
     if (!row.word) return std::string(row.spelling);
-    return " " + std::string(row.spelling) + " ";
+    return std::string(1, ' ').append(row.spelling).append(1, ' ');
   }
   return {};
 }

@@ -1,6 +1,6 @@
 #include "textlang/textlang.h"
 
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 
 namespace ta51 {
 

@@ -2,7 +2,7 @@
 // statements are recognised and refused with "Unsupported option/directive".
 #pragma once
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

@@ -245,7 +245,10 @@ std::string Difference(const std::string& expected, const std::string& actual) {
   size_t line = 0;
   while (line < want.size() && line < got.size() && want[line] == got[line]) ++line;
   auto show = [](const std::vector<std::string>& lines, size_t index) {
-    return index < lines.size() ? "\"" + Escape(lines[index]) + "\"" : std::string("<end of file>");
+    if (index >= lines.size()) return std::string("<end of file>");
+    std::string quoted(1, '"');
+    quoted.append(Escape(lines[index])).push_back('"');
+    return quoted;
   };
   std::ostringstream message;
   message << "first difference at line " << line + 1 << " (expected " << expected.size()

@@ -13,8 +13,8 @@
 
 #include "driver/entry.h"
 #include "symbols/symbols.h"
-#include "target/encoder.h"
-#include "target/predefined.h"
+#include "isa/encoder.h"
+#include "isa/predefined.h"
 
 namespace ta51 {
 namespace {

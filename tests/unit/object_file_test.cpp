@@ -5,7 +5,7 @@
 #include <string>
 
 #include "directives/segments.h"
-#include "driver/assembler.h"
+#include "core/assembler.h"
 #include "output/object_file.h"
 #include "symbols/symbols.h"
 

@@ -4,8 +4,8 @@
 #include <cstdio>
 
 #include "symbols/symbols.h"
-#include "target/operands.h"
-#include "target/predefined.h"
+#include "isa/operands.h"
+#include "isa/predefined.h"
 
 namespace ta51 {
 namespace {

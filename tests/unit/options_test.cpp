@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 #include "driver/options.h"
 
 namespace ta51 {

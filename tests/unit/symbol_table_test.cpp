@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 #include "symbols/symbols.h"
 
 namespace ta51 {

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <array>
 
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 #include "symbols/expression.h"
-#include "target/operands.h"
+#include "isa/operands.h"
 
 namespace ta51 {
 

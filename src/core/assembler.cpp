@@ -1,13 +1,12 @@
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 
 Assembler::~Assembler() {
+  // ObjectStream is never owned: it names the body file or the final object.
   for (FILE* file : {SizeFile, BodyFile, FinalObjectStream}) {
     if (file != nullptr) std::fclose(file);
   }
-  if (ObjectStream != nullptr && ObjectStream != BodyFile && ObjectStream != FinalObjectStream)
-    std::fclose(ObjectStream);
   if (ListStream != nullptr && ListStream != console.out && ListStream != console.err) std::fclose(ListStream);
 }
 

@@ -1,11 +1,11 @@
 // Branches and calls. The generic JMP and CALL pick their size in the first
 // pass, from what is known there, and keep it: the label values of the
 // second pass rest on that size.
-#include "driver/diagnostics.h"
-#include "driver/pass.h"
-#include "target/encoder.h"
-#include "target/encoder_forms.h"
-#include "target/operands.h"
+#include "core/diagnostics.h"
+#include "core/statement.h"
+#include "isa/encoder.h"
+#include "isa/encoder_forms.h"
+#include "isa/operands.h"
 
 namespace ta51 {
 

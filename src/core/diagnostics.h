@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

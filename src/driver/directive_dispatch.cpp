@@ -1,13 +1,13 @@
 // Dispatch of directives and dollar controls to their handlers. Directives
 // that ta51 does not carry out yet are refused, so that none is silently
 // assembled wrong.
-#include "directives/directives.h"
+#include "driver/directive_dispatch.h"
 
 #include "directives/data.h"
 #include "directives/definitions.h"
 #include "directives/general.h"
 #include "directives/segments.h"
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 #include "driver/keywords.h"
 #include "driver/line_reader.h"
 #include "driver/pass.h"

@@ -1,7 +1,7 @@
 // Handlers of directives and dollar controls.
 #pragma once
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

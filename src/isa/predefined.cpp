@@ -1,11 +1,11 @@
-#include "target/predefined.h"
+#include "isa/predefined.h"
 
 #include <cctype>
 #include <span>
 #include <string>
 
 #include "symbols/symbols.h"
-#include "target/operands.h"
+#include "isa/operands.h"
 
 namespace ta51 {
 

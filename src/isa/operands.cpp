@@ -1,12 +1,12 @@
 // Register names and punctuation of the operand field. The readers here look
 // at fixed spellings only; values are read in operand_values.cpp.
-#include "target/operands.h"
+#include "isa/operands.h"
 
 #include <cstdarg>
 #include <cstdio>
 
-#include "driver/diagnostics.h"
-#include "driver/pass.h"
+#include "core/diagnostics.h"
+#include "core/statement.h"
 #include "symbols/symbols.h"
 
 namespace ta51 {

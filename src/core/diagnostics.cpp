@@ -1,4 +1,4 @@
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 
 #include <cstdio>
 
@@ -43,7 +43,7 @@ int ReportError(Assembler& as, int number, bool withLine, std::string_view detai
   const CatalogueRow& row = CatalogueEntry(number);
   char header[64];
   std::snprintf(header, sizeof header, withLine ? "(%u): Error: " : ": Error: ", as.LineNumber);
-  as.MessageBuffer = "\n" + as.CurrentFileName + header;
+  as.MessageBuffer.assign(1, '\n').append(as.CurrentFileName).append(header);
   if (number == 1) {
     as.MessageBuffer.append(detail);
   } else {
@@ -85,7 +85,7 @@ void ReportWarning(Assembler& as, int number) {
   const CatalogueRow& row = CatalogueEntry(number);
   char header[64];
   std::snprintf(header, sizeof header, "(%u): Warning: ", as.LineNumber);
-  as.MessageBuffer = "\n" + as.CurrentFileName + header;
+  as.MessageBuffer.assign(1, '\n').append(as.CurrentFileName).append(header);
   if (row.text != nullptr) as.MessageBuffer += row.text;
   EmitMessage(as, true);
   if (as.ListStream != nullptr) std::fputc('\n', as.ListStream);
@@ -116,6 +116,7 @@ int ExitStatus(const Assembler& as, bool success) {
 
 void RemoveTemporaryFiles(Assembler& as) {
   CloseAndRemove(as, as.SizeFile, as.SizeFileExists, as.SizeFileName, true);
+  if (as.ObjectStream == as.BodyFile) as.ObjectStream = nullptr;
   CloseAndRemove(as, as.BodyFile, as.BodyFileExists, as.BodyFileName, true);
 }
 

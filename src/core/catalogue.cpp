@@ -1,5 +1,5 @@
 // The message catalogue: one row per number, 0 to 109.
-#include "driver/diagnostics.h"
+#include "core/diagnostics.h"
 
 namespace ta51 {
 

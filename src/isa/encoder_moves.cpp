@@ -2,10 +2,10 @@
 // value comes from (or goes to) and a column by the other operand.
 #include <cstring>
 
-#include "driver/diagnostics.h"
-#include "driver/pass.h"
-#include "target/encoder_forms.h"
-#include "target/operands.h"
+#include "core/diagnostics.h"
+#include "core/statement.h"
+#include "isa/encoder_forms.h"
+#include "isa/operands.h"
 
 namespace ta51 {
 

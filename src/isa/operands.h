@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "driver/assembler.h"
+#include "core/assembler.h"
 
 namespace ta51 {
 

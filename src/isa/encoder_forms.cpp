@@ -1,9 +1,9 @@
 // Arithmetic, logic, compare and bit instructions. Their forms sit at fixed
 // offsets above the mnemonic's base opcode.
-#include "target/encoder_forms.h"
+#include "isa/encoder_forms.h"
 
-#include "driver/diagnostics.h"
-#include "target/operands.h"
+#include "core/diagnostics.h"
+#include "isa/operands.h"
 
 namespace ta51 {
 

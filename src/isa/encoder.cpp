@@ -1,11 +1,12 @@
-#include "target/encoder.h"
+#include "isa/encoder.h"
 
 #include <cstdio>
 
-#include "driver/diagnostics.h"
-#include "driver/pass.h"
-#include "target/encoder_forms.h"
-#include "target/operands.h"
+#include "core/diagnostics.h"
+#include "core/statement.h"
+#include "directives/segments.h"
+#include "isa/encoder_forms.h"
+#include "isa/operands.h"
 
 namespace ta51 {
 

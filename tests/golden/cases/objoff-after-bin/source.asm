@@ -1,0 +1,4 @@
+ NOP
+ BIN
+ OBJOFF
+ NOP
