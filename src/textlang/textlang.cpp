@@ -14,5 +14,6 @@ int PercentKeyword(Assembler& as, int) { return Unsupported(as); }
 bool TryPercentCall(Assembler&) { return false; }
 int MacroStatement(Assembler& as, int) { return Unsupported(as); }
 int MacroCall(Assembler& as, int) { return Unsupported(as); }
+void SubstituteParameters(Assembler&, int32_t, bool) {}
 
 }  // namespace ta51

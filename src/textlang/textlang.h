@@ -13,5 +13,10 @@ int PercentKeyword(Assembler& as, int code);
 bool TryPercentCall(Assembler& as);
 int MacroStatement(Assembler& as, int result);
 int MacroCall(Assembler& as, int result);
+// Rewrites the word at `position` of the current line with the arguments of
+// the running macro call; `operandField` is false at the opcode field, in a
+// skip scanner and in the operands of a nested call. Does nothing outside an
+// expansion.
+void SubstituteParameters(Assembler& as, int32_t position, bool operandField);
 
 }  // namespace ta51
