@@ -251,7 +251,7 @@ int RsegDirective(Assembler& as) {
   int type = LookupSymbol(as, as.Line.Here());
   if (as.LineHasError) return 0;
   if (type != T_RSEGMENT) return ReportError(as, 90);
-  std::string name = as.FoundSymbol->name;
+  std::string name(as.FoundSymbol->name);
   as.Line.offset += static_cast<int32_t>(as.NameBuffer.size());
   SegmentEntry* target = nullptr;
   for (SegmentEntry& segment : as.Segments.entries)

@@ -159,7 +159,7 @@ struct IncludeFrame {
   int64_t sequenceNumber;
   int32_t conditionalDepth;
   int32_t controlConditionalDepth;
-  SymbolTable::Chain* fileScope;
+  SymbolTable::ScopeId fileScope;
 };
 
 IncludeFrame SaveFrame(Assembler& as) {

@@ -295,7 +295,8 @@ std::string RegisterNameOf(int32_t value) {
 }
 
 std::string EntryText(const TableLayout& layout, const SymbolEntry& symbol, Section section) {
-  std::string text = symbol.name + "  ";
+  std::string text(symbol.name);
+  text += "  ";
   if (text.size() < static_cast<size_t>(layout.MaxName + 2)) text.resize(layout.MaxName + 2, ' ');
   if (section == Section::Registers) return text + Format("%4s  ", RegisterNameOf(symbol.value).c_str());
   return text + Format("%04X  ", static_cast<uint32_t>(symbol.value));
@@ -323,7 +324,7 @@ void EndPartialRow(Assembler& as, const TableLayout& layout, int32_t count) {
   if (count % layout.PerRow != 0) ListBlankLine(as);
 }
 
-bool AnyRegisterVariable(const Assembler& as) {
+bool AnyRegisterVariable(Assembler& as) {
   bool found = false;
   as.Symbols.ForEach([&](const SymbolEntry& symbol) {
     if (!HiddenPredefined(as, symbol) && IsRegisterVariable(symbol)) found = true;

@@ -151,11 +151,11 @@ void WriteCallTargets(Assembler& as) {
 }
 
 void WritePublic(Assembler& as, const SymbolEntry& symbol, unsigned long number) {
-  WriteObjectRecord(as, "NI%lX,%02X%s.\r\n", number, static_cast<unsigned>(symbol.name.size()), symbol.name.c_str());
+  WriteObjectRecord(as, "NI%lX,%02X%s.\r\n", number, static_cast<unsigned>(symbol.name.size()), symbol.name.data());
   if (symbol.segment != nullptr)
     WriteObjectRecord(as, "ASI%lX,R%X+%X.\r\n", number, symbol.segment->number, static_cast<uint32_t>(symbol.value));
-  else if (!symbol.expression.empty())
-    WriteObjectRecord(as, "ASI%lX,%s.\r\n", number, symbol.expression.c_str());
+  else if (!symbol.Expression().empty())
+    WriteObjectRecord(as, "ASI%lX,%s.\r\n", number, symbol.Expression().data());
   else
     WriteObjectRecord(as, "ASI%lX,%X.\r\n", number, static_cast<uint32_t>(symbol.value));
 }
@@ -276,7 +276,7 @@ void WriteSymbolRecords(Assembler& as) {
     if (symbol.relocation == REL_XREF) {
       if ((symbol.flags & kSymUsedExternal) || symbol.name == "__cstart")
         WriteObjectRecord(as, "NX%X,%02X%s.\r\n", static_cast<uint32_t>(symbol.value),
-                          static_cast<unsigned>(symbol.name.size()), symbol.name.c_str());
+                          static_cast<unsigned>(symbol.name.size()), symbol.name.data());
     } else if (symbol.relocation == REL_XDREF || (symbol.relocation == REL_XDEF && symbol.type == T_DECLARED)) {
       undefined.push_back(&symbol);
     } else if (symbol.relocation == REL_XDEF) {

@@ -422,8 +422,8 @@ class Evaluator {
     // Externals and segment names never cancel against anything; stored text
     // has no segment of its own to cancel in.
     if (symbol.relocation != REL_XREF && symbol.type != T_RSEGMENT)
-      if (!symbol.expression.empty() || symbol.segment != nullptr)
-        MarkLone(term, symbol.value, symbol.expression.empty() ? symbol.segment : nullptr);
+      if (!symbol.Expression().empty() || symbol.segment != nullptr)
+        MarkLone(term, symbol.value, symbol.Expression().empty() ? symbol.segment : nullptr);
     RelocatableTerm(text);
     ScanToken(as_, true);
     return 0;
@@ -439,7 +439,7 @@ class Evaluator {
   }
 
   bool IsRelocatable(const SymbolEntry& symbol) const {
-    if (!symbol.expression.empty()) return true;
+    if (!symbol.Expression().empty()) return true;
     if (symbol.segment != nullptr && symbol.segment->IsAbsolute()) return false;
     if (!expr_.WantsText) return false;
     if (symbol.relocation == REL_XREF || symbol.type == T_RSEGMENT) return true;
@@ -458,7 +458,7 @@ class Evaluator {
       as_.ExprType = symbol.relocation;  // a segment name keeps its segment's type there
       return Hex(symbol.value).insert(0, 1, 'L');
     }
-    if (!symbol.expression.empty()) return std::string(1, '(').append(symbol.expression).append(1, ')');
+    if (!symbol.Expression().empty()) return std::string(1, '(').append(symbol.Expression()).append(1, ')');
     return SegmentText(symbol.segment, symbol.value);
   }
 

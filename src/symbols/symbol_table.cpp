@@ -1,12 +1,23 @@
 #include "symbols/symbol_table.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace ta51 {
 
 namespace {
-unsigned char Fold(unsigned char c) { return (c >= 'a' && c <= 'z') ? static_cast<unsigned char>(c - 32) : c; }
-}  // namespace
 
-bool NameOrder::operator()(const std::string& a, const std::string& b) const {
+unsigned char Fold(unsigned char c) { return (c >= 'a' && c <= 'z') ? static_cast<unsigned char>(c - 32) : c; }
+
+bool EqualFolded(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i)
+    if (Fold(static_cast<unsigned char>(a[i])) != Fold(static_cast<unsigned char>(b[i]))) return false;
+  return true;
+}
+
+// Byte order of names, optionally with case folded to upper case.
+int CompareNames(std::string_view a, std::string_view b, bool foldCase) {
   size_t common = a.size() < b.size() ? a.size() : b.size();
   for (size_t i = 0; i < common; ++i) {
     unsigned char x = static_cast<unsigned char>(a[i]);
@@ -15,21 +26,27 @@ bool NameOrder::operator()(const std::string& a, const std::string& b) const {
       x = Fold(x);
       y = Fold(y);
     }
-    if (x != y) return x < y;
+    if (x != y) return x < y ? -1 : 1;
   }
-  return a.size() < b.size();
+  return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
 }
+
+}  // namespace
 
 SymbolTable::SymbolTable() { Clear(); }
 
 void SymbolTable::Clear() {
-  for (auto& chain : chains_) chain = Chain(NameOrder{false});
-  scopeChains_.clear();
-  fileScopes_.clear();
+  entryChunks_.clear();
+  count_ = 0;
+  buckets_.assign(1024, 0);
+  arena_.clear();
+  arenaUsed_ = kArenaBlock;
+  extras_.clear();
+  order_.clear();
+  orderValid_ = false;
+  fileScope_ = 0;
+  scopeCount_ = 0;
   scopeCursor_ = 0;
-  scopeChains_.emplace_back(NameOrder{false});
-  fileScope_ = &scopeChains_.back();
-  entries_.clear();
   longestName_ = 0;
   foldCase_ = false;
 }
@@ -45,51 +62,123 @@ int SymbolTable::ChainIndexOf(std::string_view name, bool noCase) {
   return 52;
 }
 
-// Case folding changes the order inside a chain: re-sort once, keeping the
-// relative order of names that become equal.
-void SymbolTable::ApplyOrder(bool foldCase) {
-  if (foldCase == foldCase_) return;
-  foldCase_ = foldCase;
-  auto reorder = [foldCase](Chain& chain) {
-    Chain sorted(NameOrder{foldCase});
-    for (auto& item : chain) sorted.emplace(item.first, item.second);
-    chain.swap(sorted);
-  };
-  for (auto& chain : chains_) reorder(chain);
-  for (auto& chain : scopeChains_) reorder(chain);
+// The hash ignores case, so that one index serves both NOCASE settings.
+uint32_t SymbolTable::Bucket(std::string_view name, uint32_t scope) const {
+  uint32_t hash = 2166136261u ^ (scope * 0x9E3779B9u);
+  for (char c : name) hash = (hash ^ Fold(static_cast<unsigned char>(c))) * 16777619u;
+  return hash & static_cast<uint32_t>(buckets_.size() - 1);
+}
+
+// Twice the buckets; each bucket keeps its entries in the order of entry.
+void SymbolTable::Grow() {
+  buckets_.assign(buckets_.size() * 2, 0);
+  for (uint32_t index = count_; index-- > 0;) {
+    SymbolEntry& entry = At(index);
+    uint32_t& head = buckets_[Bucket(entry.name, entry.scope)];
+    entry.nextInBucket = head;
+    head = index + 1;
+  }
+}
+
+std::string_view SymbolTable::StoreName(std::string_view name) {
+  size_t needed = name.size() + 1;
+  if (arenaUsed_ + needed > kArenaBlock) {
+    arena_.push_back(std::make_unique<char[]>(std::max(kArenaBlock, needed)));
+    arenaUsed_ = 0;
+  }
+  char* stored = arena_.back().get() + arenaUsed_;
+  std::memcpy(stored, name.data(), name.size());
+  stored[name.size()] = '\0';
+  arenaUsed_ += needed;
+  return {stored, name.size()};
 }
 
 SymbolEntry* SymbolTable::Find(std::string_view name, bool noCase, bool predefinedEnabled) {
-  ApplyOrder(noCase);
-  Chain& chain = ChainFor(ChainIndexOf(name, noCase));
-  auto [begin, end] = chain.equal_range(std::string(name));
-  for (auto it = begin; it != end; ++it) {
-    if (!predefinedEnabled && (it->second->flags & kSymPredefined)) continue;
-    return it->second;
+  if (noCase != foldCase_) {
+    foldCase_ = noCase;
+    orderValid_ = false;
   }
-  return nullptr;
+  int chain = ChainIndexOf(name, noCase);
+  uint32_t scope = chain == kFileScopeChain ? fileScope_ : 0;
+  SymbolEntry* best = nullptr;
+  for (uint32_t next = buckets_[Bucket(name, scope)]; next != 0;) {
+    SymbolEntry& entry = At(next - 1);
+    next = entry.nextInBucket;
+    if (entry.chain != chain || entry.scope != scope) continue;
+    if (!predefinedEnabled && (entry.flags & kSymPredefined)) continue;
+    if (!noCase) {
+      if (entry.name == name) return &entry;
+      continue;
+    }
+    // Ignoring case, the first in the chain's order wins: byte order, then
+    // the order of entry.
+    if (EqualFolded(entry.name, name) && (best == nullptr || CompareNames(entry.name, best->name, false) < 0))
+      best = &entry;
+  }
+  return best;
 }
 
-SymbolEntry* SymbolTable::Insert(SymbolEntry entry, bool noCase) {
-  ApplyOrder(noCase);
-  entries_.push_back(std::move(entry));
-  SymbolEntry* stored = &entries_.back();
-  Chain& chain = ChainFor(ChainIndexOf(stored->name, noCase));
-  chain.emplace_hint(chain.upper_bound(stored->name), stored->name, stored);
-  if (stored->name.size() + 1 > longestName_) longestName_ = stored->name.size() + 1;
-  return stored;
+SymbolEntry* SymbolTable::Insert(const SymbolEntry& entry, bool noCase) {
+  if (noCase != foldCase_) foldCase_ = noCase;
+  if (count_ >= buckets_.size()) Grow();
+  uint32_t index = count_;
+  if ((index & (kChunkSize - 1)) == 0) entryChunks_.push_back(std::make_unique<SymbolEntry[]>(kChunkSize));
+  SymbolEntry& stored = At(index);
+  stored = entry;
+  stored.name = StoreName(entry.name);
+  stored.chain = static_cast<uint8_t>(ChainIndexOf(stored.name, noCase));
+  stored.scope = stored.chain == kFileScopeChain ? fileScope_ : 0;
+  stored.nextInBucket = 0;
+  ++count_;
+  uint32_t* link = &buckets_[Bucket(stored.name, stored.scope)];
+  while (*link != 0) link = &At(*link - 1).nextInBucket;
+  *link = index + 1;
+  if (stored.name.size() + 1 > longestName_) longestName_ = stored.name.size() + 1;
+  orderValid_ = false;
+  return &stored;
 }
 
-SymbolTable::Chain* SymbolTable::NewFileScope() {
-  scopeChains_.emplace_back(NameOrder{foldCase_});
-  fileScopes_.push_back(&scopeChains_.back());
-  scopeCursor_ = fileScopes_.size();
-  return fileScopes_.back();
+SymbolExtra& SymbolTable::ExtraOf(SymbolEntry& entry) {
+  if (entry.extra == nullptr) entry.extra = &extras_.emplace_back();
+  return *entry.extra;
 }
 
-SymbolTable::Chain* SymbolTable::NextRecordedScope() {
-  if (scopeCursor_ >= fileScopes_.size()) return nullptr;
-  return fileScopes_[scopeCursor_++];
+void SymbolTable::SetExpression(SymbolEntry& entry, std::string_view text) {
+  if (text.empty()) {
+    if (entry.extra != nullptr) entry.extra->expression.clear();
+    return;
+  }
+  ExtraOf(entry).expression.assign(text);
+}
+
+const std::vector<uint32_t>& SymbolTable::ObservableOrder() {
+  if (orderValid_ && orderFolded_ == foldCase_) return order_;
+  order_.clear();
+  for (uint32_t index = 0; index < count_; ++index)
+    if (At(index).chain != kFileScopeChain) order_.push_back(index);
+  bool fold = foldCase_;
+  std::sort(order_.begin(), order_.end(), [this, fold](uint32_t a, uint32_t b) {
+    const SymbolEntry& x = At(a);
+    const SymbolEntry& y = At(b);
+    if (x.chain != y.chain) return x.chain < y.chain;
+    int order = CompareNames(x.name, y.name, fold);
+    if (order == 0 && fold) order = CompareNames(x.name, y.name, false);
+    return order != 0 ? order < 0 : a < b;
+  });
+  orderValid_ = true;
+  orderFolded_ = fold;
+  return order_;
+}
+
+SymbolTable::ScopeId SymbolTable::NewFileScope() {
+  ++scopeCount_;
+  scopeCursor_ = scopeCount_;
+  return scopeCount_;
+}
+
+SymbolTable::ScopeId SymbolTable::NextRecordedScope() {
+  if (scopeCursor_ >= scopeCount_) return kNoScope;
+  return ++scopeCursor_;
 }
 
 }  // namespace ta51

@@ -1,11 +1,12 @@
-// The symbol table: 57 chains chosen by a name's first character. The order
-// of the chains, and the name order inside each, is what the listing and the
-// object module show; look-ups go through an ordered index, never a long walk.
+// The symbol table. Look-ups go through a hash index; the observable order
+// (57 chains chosen by a name's first character, names in byte order inside
+// each, equal names in the order of definition) is produced by one sort when
+// the listing or the object module asks for it.
 #pragma once
 
 #include <cstdint>
 #include <deque>
-#include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,18 +47,30 @@ enum : uint8_t {
   kSymFlag5 = 1 << 5,
 };
 
-struct SymbolEntry {
-  std::string name;
-  int32_t value = 0;
+// What few symbols carry: linker text, macro bodies. Kept apart so that the
+// common entry stays small.
+struct SymbolExtra {
+  std::string expression;               // linker text used in place of value
+  std::string body;                     // macro body text
   std::vector<std::string> parameters;  // named macros only
-  int32_t type = 0;
+};
+
+// One symbol. The name lives in the table's arena, followed by a zero byte.
+struct SymbolEntry {
+  std::string_view name;
+  SegmentEntry* segment = nullptr;
+  SymbolExtra* extra = nullptr;
+  int32_t value = 0;
   uint32_t itemCount = 0;
   uint32_t itemSize = 0;
-  int32_t relocation = REL_NULL;
+  uint32_t nextInBucket = 0;  // index of the next entry of the hash bucket
+  uint32_t scope = 0;         // file scope of a `.@` name, else 0
+  int8_t type = 0;
+  int8_t relocation = REL_NULL;
   uint8_t flags = 0;
-  SegmentEntry* segment = nullptr;
-  std::string expression;  // linker text used in place of value
-  std::string body;        // macro body text (MACRO definitions)
+  uint8_t chain = 0;  // chain chosen when the name was entered
+
+  std::string_view Expression() const { return extra != nullptr ? std::string_view(extra->expression) : std::string_view(); }
 };
 
 constexpr int kChainCount = 57;
@@ -65,15 +78,10 @@ constexpr int kDigitChain = 53;
 constexpr int kFileScopeChain = 54;
 constexpr size_t kMaxNameLength = 257;
 
-// Byte order of names, optionally with case folded to upper case.
-struct NameOrder {
-  bool foldCase = false;
-  bool operator()(const std::string& a, const std::string& b) const;
-};
-
 class SymbolTable {
  public:
-  using Chain = std::multimap<std::string, SymbolEntry*, NameOrder>;
+  using ScopeId = uint32_t;
+  static constexpr ScopeId kNoScope = UINT32_MAX;
 
   SymbolTable();
   void Clear();
@@ -82,39 +90,55 @@ class SymbolTable {
 
   // First entry of that name which is visible, or nullptr.
   SymbolEntry* Find(std::string_view name, bool noCase, bool predefinedEnabled);
-  // Links a new entry behind every entry of the same name.
-  SymbolEntry* Insert(SymbolEntry entry, bool noCase);
+  // Enters a copy of `entry`, its name copied into the arena; it comes
+  // behind every entry of the same name.
+  SymbolEntry* Insert(const SymbolEntry& entry, bool noCase);
+  // The side record of an entry, made when first asked for.
+  SymbolExtra& ExtraOf(SymbolEntry& entry);
+  // Sets or clears the linker text of an entry.
+  void SetExpression(SymbolEntry& entry, std::string_view text);
 
   // Every entry in the observable order, without the file-scope chain.
   template <class Visit>
-  void ForEach(Visit visit) const {
-    for (int chain = 0; chain < kChainCount; ++chain) {
-      if (chain == kFileScopeChain) continue;
-      for (const auto& [name, entry] : chains_[chain]) visit(*entry);
-    }
+  void ForEach(Visit visit) {
+    for (uint32_t index : ObservableOrder()) visit(static_cast<const SymbolEntry&>(At(index)));
   }
 
-  // File scopes of `.@` names.
-  Chain* CurrentFileScope() const { return fileScope_; }
-  void SetCurrentFileScope(Chain* chain) { fileScope_ = chain; }
-  Chain* NewFileScope();
-  // Second pass: the scope recorded for the next include, or nullptr.
-  Chain* NextRecordedScope();
+  // File scopes of `.@` names: 0 is the main file's.
+  ScopeId CurrentFileScope() const { return fileScope_; }
+  void SetCurrentFileScope(ScopeId scope) { fileScope_ = scope; }
+  ScopeId NewFileScope();
+  // Second pass: the scope recorded for the next include, or kNoScope.
+  ScopeId NextRecordedScope();
   void RewindFileScopes() { scopeCursor_ = 0; }
 
   size_t LongestName() const { return longestName_; }
-  size_t Size() const { return entries_.size(); }
+  size_t Size() const { return count_; }
 
  private:
-  Chain& ChainFor(int index) { return index == kFileScopeChain ? *fileScope_ : chains_[index]; }
-  void ApplyOrder(bool foldCase);
+  static constexpr uint32_t kChunkShift = 12;
+  static constexpr uint32_t kChunkSize = 1u << kChunkShift;
+  static constexpr size_t kArenaBlock = 64 * 1024;
 
-  Chain chains_[kChainCount];
-  std::deque<Chain> scopeChains_;
-  std::vector<Chain*> fileScopes_;
-  size_t scopeCursor_ = 0;
-  Chain* fileScope_ = nullptr;
-  std::deque<SymbolEntry> entries_;
+  SymbolEntry& At(uint32_t index) { return entryChunks_[index >> kChunkShift][index & (kChunkSize - 1)]; }
+  const SymbolEntry& At(uint32_t index) const { return entryChunks_[index >> kChunkShift][index & (kChunkSize - 1)]; }
+  uint32_t Bucket(std::string_view name, uint32_t scope) const;
+  void Grow();
+  std::string_view StoreName(std::string_view name);
+  const std::vector<uint32_t>& ObservableOrder();
+
+  std::vector<std::unique_ptr<SymbolEntry[]>> entryChunks_;
+  uint32_t count_ = 0;
+  std::vector<uint32_t> buckets_;  // first entry + 1, 0 for none
+  std::vector<std::unique_ptr<char[]>> arena_;
+  size_t arenaUsed_ = kArenaBlock;
+  std::deque<SymbolExtra> extras_;
+  std::vector<uint32_t> order_;
+  bool orderValid_ = false;
+  bool orderFolded_ = false;
+  ScopeId fileScope_ = 0;
+  uint32_t scopeCount_ = 0;  // scopes made by NewFileScope, numbered from 1
+  uint32_t scopeCursor_ = 0;
   size_t longestName_ = 0;
   bool foldCase_ = false;
 };

@@ -21,13 +21,13 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool NoCase(const Assembler& as) { return as.opt.NOCASE.Value() != 0; }
 bool PredefinedVisible(const Assembler& as) { return as.opt.PredefinedSymbolsEnabled.Value() != 0; }
 
-void ApplyDefinition(SymbolEntry& entry, const SymbolDefinition& d) {
+void ApplyDefinition(Assembler& as, SymbolEntry& entry, const SymbolDefinition& d) {
   entry.value = d.value;
-  entry.type = d.type;
+  entry.type = static_cast<int8_t>(d.type);
   entry.segment = d.segment;
   entry.itemCount = d.itemCount;
   entry.itemSize = d.itemSize;
-  entry.expression.assign(d.expression);
+  as.Symbols.SetExpression(entry, d.expression);
 }
 
 void SetTextFlag(Assembler& as, SymbolEntry& entry) {
@@ -105,23 +105,28 @@ void DefineSymbol(Assembler& as, const char* name, const SymbolDefinition& d) {
   if (found == nullptr) {
     SymbolEntry entry;
     entry.name = as.NameBuffer;
-    ApplyDefinition(entry, d);
-    entry.relocation = d.relocation;
+    entry.value = d.value;
+    entry.type = static_cast<int8_t>(d.type);
+    entry.segment = d.segment;
+    entry.itemCount = d.itemCount;
+    entry.itemSize = d.itemSize;
+    entry.relocation = static_cast<int8_t>(d.relocation);
     entry.flags = static_cast<uint8_t>((d.settable ? kSymSettable : 0) | (d.predefined ? kSymPredefined : 0) |
                                        (as.ItemIsText ? kSymText : 0) | (d.flag4 ? kSymFlag4 : 0) |
                                        (d.flag5 ? kSymFlag5 : 0));
-    as.FoundSymbol = as.Symbols.Insert(std::move(entry), NoCase(as));
+    as.FoundSymbol = as.Symbols.Insert(entry, NoCase(as));
+    as.Symbols.SetExpression(*as.FoundSymbol, d.expression);
     return;
   }
   if (d.settable) {
     if ((found->flags & kSymSettable) || found->type == T_DECLARED) {
-      found->type = d.type;
+      found->type = static_cast<int8_t>(d.type);
       found->value = d.value;
       found->segment = d.segment;
       found->flags |= kSymSettable;
       found->itemCount = d.itemCount;
       found->itemSize = d.itemSize;
-      found->expression.assign(d.expression);
+      as.Symbols.SetExpression(*found, d.expression);
     } else {
       ReportError(as, 13);
     }
@@ -129,7 +134,7 @@ void DefineSymbol(Assembler& as, const char* name, const SymbolDefinition& d) {
   }
   if (found->type == T_MACROVALUE || found->type == T_REGSET) {
     found->value = d.value;
-    found->expression.clear();
+    as.Symbols.SetExpression(*found, {});
     return;
   }
   if (found->type == T_DECLARED) {
@@ -140,13 +145,13 @@ void DefineSymbol(Assembler& as, const char* name, const SymbolDefinition& d) {
         ReportError(as, 72);
         break;
     }
-    ApplyDefinition(*found, d);
+    ApplyDefinition(as, *found, d);
     SetTextFlag(as, *found);
     return;
   }
   if (found->relocation == REL_XDREF) {
     if (found->type != T_NUMBER && found->type != d.type) ReportError(as, 3);
-    ApplyDefinition(*found, d);
+    ApplyDefinition(as, *found, d);
     found->relocation = REL_XDEF;
     return;
   }
@@ -162,11 +167,13 @@ void MarkPublic(Assembler& as, int flag4, int flag5) {
 }
 
 int IsFreeLabelName(std::string_view text) {
-  size_t end = text.find_first_of(" \t\n,)");
-  std::string word(text.substr(0, end));
-  for (char& c : word) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  for (std::string_view reserved : kReservedNames)
-    if (word == reserved) return 0;
+  std::string_view word = text.substr(0, text.find_first_of(" \t\n,)"));
+  for (std::string_view reserved : kReservedNames) {
+    if (reserved.size() != word.size()) continue;
+    size_t i = 0;
+    while (i < word.size() && std::toupper(static_cast<unsigned char>(word[i])) == reserved[i]) ++i;
+    if (i == word.size()) return 0;
+  }
   return 1;
 }
 
@@ -186,8 +193,8 @@ void OpenFileScope(Assembler& as) {
     as.Symbols.SetCurrentFileScope(as.Symbols.NewFileScope());
     return;
   }
-  SymbolTable::Chain* recorded = as.Symbols.NextRecordedScope();
-  if (recorded == nullptr) {
+  SymbolTable::ScopeId recorded = as.Symbols.NextRecordedScope();
+  if (recorded == SymbolTable::kNoScope) {
     ReportError(as, 17);
     return;
   }

@@ -46,7 +46,7 @@ class SymbolTableTest : public ::testing::Test {
   SymbolEntry* Find(const std::string& name) { return FindSymbol(as, name); }
   std::vector<std::string> Order() {
     std::vector<std::string> names;
-    as.Symbols.ForEach([&](const SymbolEntry& entry) { names.push_back(entry.name); });
+    as.Symbols.ForEach([&](const SymbolEntry& entry) { names.emplace_back(entry.name); });
     return names;
   }
 
