@@ -31,8 +31,9 @@ void CloseAndRemove(Assembler& as, FILE*& file, bool& exists, const std::string&
 
 void EmitMessage(Assembler& as, bool addNewline) {
   if (as.ListStream == nullptr) return;
+  // The list file is flushed only where its order with the console shows:
+  // on the console itself, at a fatal stop and at the end of the run.
   WriteText(as.ListStream, as.MessageBuffer);
-  std::fflush(as.ListStream);
   if (!ConsoleCopyWanted(as)) return;
   WriteText(as.console.out, as.MessageBuffer);
   if (addNewline) std::fputc('\n', as.console.out);
@@ -68,7 +69,6 @@ int ReportError(Assembler& as, int number, bool withLine, std::string_view detai
   if (!row.noEcho) {
     as.MessageBuffer = EchoOfLine(as);
     WriteText(as.ListStream, as.MessageBuffer);
-    std::fflush(as.ListStream);
     if (ConsoleCopyWanted(as)) {
       WriteText(as.console.out, as.MessageBuffer);
       std::fflush(as.console.out);
@@ -77,7 +77,6 @@ int ReportError(Assembler& as, int number, bool withLine, std::string_view detai
   ++as.LineCount;
   if (as.CL) Terminate(as, false);
   if (row.fatal) FatalExit(as, "Assembly terminated");
-  std::fflush(as.ListStream);
   return 0;
 }
 

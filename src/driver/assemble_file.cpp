@@ -25,6 +25,7 @@ void OpenListFile(Assembler& as) {
   }
   as.ListStream = std::fopen(as.ListName.c_str(), "w");
   if (as.ListStream == nullptr) FatalExit(as, "Cannot open list file", as.ListName);
+  std::setvbuf(as.ListStream, nullptr, _IOFBF, kStreamBufferSize);
 }
 
 FILE* OpenTemporary(Assembler& as, std::string& name, bool& exists) {
@@ -98,6 +99,7 @@ void RunSecondPass(Assembler& as) {
   if (as.opt.OBJ) {
     as.FinalObjectStream = std::fopen(as.ObjectName.c_str(), "wb");
     if (as.FinalObjectStream == nullptr) FatalExit(as, "Can't open object file", as.ObjectName);
+    std::setvbuf(as.FinalObjectStream, nullptr, _IOFBF, kStreamBufferSize);
     as.BodyFile = OpenTemporary(as, as.BodyFileName, as.BodyFileExists);
     as.ObjectStream = as.BodyFile;
   }

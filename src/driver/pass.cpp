@@ -263,7 +263,6 @@ void FinishLine(Assembler& as) {
   if (!as.CommentLine) as.CommentOffset = as.Line.offset;
   if (as.opt.LIST) ListLine(as);
   if (as.CurrentSegment != nullptr) as.CurrentSegment->location += static_cast<uint32_t>(as.CodeLength);
-  if (as.ListStream != nullptr) std::fflush(as.ListStream);
 }
 
 void AssembleLine(Assembler& as) {

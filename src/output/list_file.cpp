@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <string>
+#include <string_view>
 
 #include "core/diagnostics.h"
 #include "symbols/expression.h"
@@ -53,16 +54,51 @@ __attribute__((format(printf, 1, 2))) std::string Format(const char* format, ...
   return text;
 }
 
-void Write(Assembler& as, const std::string& text) { std::fwrite(text.data(), 1, text.size(), as.ListStream); }
+void Write(Assembler& as, std::string_view text) { fwrite_unlocked(text.data(), 1, text.size(), as.ListStream); }
 
+// The listing writes character by character into the stream's own buffer;
+// the unlocked form costs no more than a store.
 void Put(ListRow& row, char c) {
-  std::fputc(c, row.as.ListStream);
+  putc_unlocked(c, row.as.ListStream);
   ++row.Column;
 }
 
-void Put(ListRow& row, const std::string& text) {
+void Put(ListRow& row, std::string_view text) {
   Write(row.as, text);
   row.Column += static_cast<int32_t>(text.size());
+}
+
+constexpr char kHexDigits[] = "0123456789ABCDEF";
+
+// " XX": a listed byte.
+void PutByte(ListRow& row, uint8_t value) {
+  const char text[3] = {' ', kHexDigits[value >> 4], kHexDigits[value & 15]};
+  Put(row, std::string_view(text, 3));
+}
+
+// " XXXX": a listed address or value, with more digits when it needs them.
+void PutAddress(ListRow& row, uint32_t value) {
+  char text[9];
+  int at = sizeof text;
+  do {
+    text[--at] = kHexDigits[value & 15];
+    value >>= 4;
+  } while (value != 0 || sizeof text - at < 4);
+  text[--at] = ' ';
+  Put(row, std::string_view(text + at, sizeof text - at));
+}
+
+// A decimal number right-aligned in `width` columns, with `fill` before it;
+// wider numbers take the room they need.
+void PutDecimal(ListRow& row, uint64_t value, int width, char fill) {
+  char text[24];
+  int at = sizeof text;
+  do {
+    text[--at] = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  while (static_cast<int>(sizeof text) - at < width) text[--at] = fill;
+  Put(row, std::string_view(text + at, sizeof text - at));
 }
 
 // A limit of 0 means none; a negative one is taken as none too, since no row
@@ -143,7 +179,12 @@ void CheckFieldsFit(Assembler& as) {
 void WriteNumberColumn(ListRow& row) {
   const Assembler& as = row.as;
   if (as.FromSourceFile && !as.CL) {
-    Put(row, as.opt.SEQ ? Format("%05d", static_cast<int>(as.SequenceNumber)) : Format("%5u", as.LineNumber));
+    if (as.opt.SEQ && as.SequenceNumber < 0)
+      Put(row, Format("%05d", static_cast<int>(as.SequenceNumber)));
+    else if (as.opt.SEQ)
+      PutDecimal(row, static_cast<uint32_t>(static_cast<int>(as.SequenceNumber)), 5, '0');
+    else
+      PutDecimal(row, as.LineNumber, 5, ' ');
   } else if (!as.BlankLine && !as.CL) {
     Put(row, "     ");
   } else {
@@ -158,12 +199,15 @@ uint8_t ListedByte(const Assembler& as, int32_t index) {
 }
 
 void WriteBytes(ListRow& row, int32_t from, int32_t to) {
-  for (int32_t index = from; index < to; ++index) Put(row, Format(" %02X", ListedByte(row.as, index)));
+  for (int32_t index = from; index < to; ++index) PutByte(row, ListedByte(row.as, index));
 }
 
 void WriteAddressAndBytes(ListRow& row) {
   Assembler& as = row.as;
-  Put(row, as.ShowLineValue ? Format(" %04X", static_cast<uint32_t>(as.LineValue)) : std::string("     "));
+  if (as.ShowLineValue)
+    PutAddress(row, static_cast<uint32_t>(as.LineValue));
+  else
+    Put(row, "     ");
   WriteBytes(row, 0, std::min(as.CodeLength, 3));
   as.SavedBytesFlag = as.CodeLength >= 4;
 }
@@ -179,7 +223,7 @@ void WriteByteRows(ListRow& row) {
     row.Column = 0;
     if (!as.CL) Put(row, "     ");
     row.Column = 5;
-    Put(row, Format(" %04X", address));
+    PutAddress(row, address);
     WriteBytes(row, next, std::min(next + 3, as.CodeLength));
     WriteFields(row, true);
     ListBlankLine(as);
@@ -218,27 +262,22 @@ void ListBlankLine(Assembler& as) {
 
 void ListLine(Assembler& as) {
   if (as.ListStream == nullptr) return;
-  if (!as.ListThisLine || (as.InMacroExpansion && !as.opt.MEX)) {
-    std::fflush(as.ListStream);
-    return;
-  }
+  if (!as.ListThisLine || (as.InMacroExpansion && !as.opt.MEX)) return;
   if (as.NewPageWanted || as.LineCount >= as.PageLength) NewPage(as);
   CheckFieldsFit(as);
   ++as.LineCount;
   ListRow row(as);
   WriteNumberColumn(row);
   if (as.BlankLine) {
-    std::fputc('\n', as.ListStream);
-    std::fflush(as.ListStream);
+    putc_unlocked('\n', as.ListStream);
     return;
   }
   WriteAddressAndBytes(row);
   SetUpFields(row);
   WriteFields(row, as.CommentLine);
-  std::fputc('\n', as.ListStream);
+  putc_unlocked('\n', as.ListStream);
   WriteByteRows(row);
   WriteTextRows(row);
-  std::fflush(as.ListStream);
 }
 
 // --- Symbol table ----------------------------------------------------------

@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 #include "core/diagnostics.h"
 #include "symbols/symbol_table.h"
@@ -16,6 +17,24 @@ namespace {
 int WriteRecordV(Assembler& as, const char* format, va_list arguments) {
   if (as.ObjectStream == nullptr) return -1;
   return std::vfprintf(as.ObjectStream, format, arguments);
+}
+
+// Writes text as it is; false when the stream refused it. Load records are
+// the bulk of a module, so they bypass the formatted writer.
+bool WriteRaw(Assembler& as, std::string_view text) {
+  if (as.ObjectStream == nullptr) return false;
+  return fwrite_unlocked(text.data(), 1, text.size(), as.ObjectStream) == text.size();
+}
+
+void WriteHexBytes(Assembler& as, const uint8_t* bytes, int count) {
+  static constexpr char kHexDigits[] = "0123456789ABCDEF";
+  char text[2 * kDataStatementLimit];
+  size_t length = 0;
+  for (int i = 0; i < count && length + 2 <= sizeof text; ++i) {
+    text[length++] = kHexDigits[bytes[i] >> 4];
+    text[length++] = kHexDigits[bytes[i] & 15];
+  }
+  WriteRaw(as, std::string_view(text, length));
 }
 
 // Source references name the file with every full stop replaced by `*`.
@@ -194,16 +213,16 @@ void WriteLoadItem(Assembler& as, const uint8_t* bytes, int count, bool isField,
                    const OperandSlot* slot) {
   if (!as.opt.OBJ) return;
   if (count != 0) {
-    if (first) WriteObjectRecord(as, "LR");
+    if (first) WriteRaw(as, "LR");
     if (slot != nullptr && !slot->text.empty()) {
       WriteField(as, *slot);
       as.TotalBytes += static_cast<uint32_t>(slot->FixupSize);
     } else {
-      for (int i = 0; i < count; ++i) WriteObjectRecord(as, "%02X", bytes[i]);
+      WriteHexBytes(as, bytes, count);
       as.TotalBytes += static_cast<uint32_t>(count);
     }
   }
-  if (last) WriteCheckedRecord(as, ".\r\n");
+  if (last && !WriteRaw(as, ".\r\n")) ReportError(as, 25, false);
   (void)isField;
 }
 

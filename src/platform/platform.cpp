@@ -64,6 +64,7 @@ FILE* CreateTemporaryFile(std::string& name) {
     return nullptr;
   }
   name = pattern;
+  std::setvbuf(file, nullptr, _IOFBF, kStreamBufferSize);
   return file;
 }
 

@@ -7,6 +7,10 @@
 
 namespace ta51 {
 
+// Buffer of the output streams: large enough that a run writes to the
+// operating system in few calls.
+constexpr size_t kStreamBufferSize = 1 << 16;
+
 struct PathParts {
   std::string drive;      // "C:" or empty
   std::string directory;  // with its trailing separator
