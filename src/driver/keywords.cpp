@@ -1,6 +1,6 @@
 #include "driver/keywords.h"
 
-#include <strings.h>
+#include "core/keyword_index.h"
 
 namespace ta51 {
 
@@ -44,27 +44,42 @@ constexpr KeywordRow kEndRows[] = {
 static_assert(std::size(kDataRows) == 10 && std::size(kGeneralRows) == 29 && std::size(kDollarRows) == 14);
 static_assert(std::size(kPercentRows) == 18 && std::size(kIfRows) == 12 && std::size(kEndRows) == 5);
 
-}  // namespace
+constexpr std::string_view KeywordOf(const KeywordRow& row) { return row.keyword; }
 
-const std::span<const KeywordRow> kDataDirectives = kDataRows;
-const std::span<const KeywordRow> kGeneralDirectives = kGeneralRows;
-const std::span<const KeywordRow> kDollarControls = kDollarRows;
-const std::span<const KeywordRow> kPercentKeywords = kPercentRows;
-const std::span<const KeywordRow> kIfKeywords = kIfRows;
-const std::span<const KeywordRow> kEndKeywords = kEndRows;
+template <size_t N>
+using IndexFor = KeywordIndex<KeywordSlots(N)>;
 
-const KeywordRow* FindKeyword(std::span<const KeywordRow> table, std::string_view word) {
-  for (const KeywordRow& row : table)
-    if (word == row.keyword) return &row;
-  return nullptr;
+constexpr IndexFor<std::size(kDataRows)> kDataIndex(kDataRows, KeywordOf);
+constexpr IndexFor<std::size(kGeneralRows)> kGeneralIndex(kGeneralRows, KeywordOf);
+constexpr IndexFor<std::size(kDollarRows)> kDollarIndex(kDollarRows, KeywordOf);
+constexpr IndexFor<std::size(kPercentRows)> kPercentIndex(kPercentRows, KeywordOf);
+constexpr IndexFor<std::size(kIfRows)> kIfIndex(kIfRows, KeywordOf);
+constexpr IndexFor<std::size(kEndRows)> kEndIndex(kEndRows, KeywordOf);
+
+const KeywordRow* Find(const KeywordTable& table, std::string_view word, uint32_t hash, bool ignoreCase) {
+  int row = FindIndexedKeyword(table.index, table.rows, KeywordOf, word, hash, ignoreCase);
+  return row < 0 ? nullptr : &table.rows[static_cast<size_t>(row)];
 }
 
-const KeywordRow* FindKeywordIgnoringCase(std::span<const KeywordRow> table, std::string_view word) {
-  for (const KeywordRow& row : table) {
-    std::string_view keyword = row.keyword;
-    if (keyword.size() == word.size() && strncasecmp(keyword.data(), word.data(), word.size()) == 0) return &row;
-  }
-  return nullptr;
+}  // namespace
+
+const KeywordTable kDataDirectives = {kDataRows, kDataIndex.slots};
+const KeywordTable kGeneralDirectives = {kGeneralRows, kGeneralIndex.slots};
+const KeywordTable kDollarControls = {kDollarRows, kDollarIndex.slots};
+const KeywordTable kPercentKeywords = {kPercentRows, kPercentIndex.slots};
+const KeywordTable kIfKeywords = {kIfRows, kIfIndex.slots};
+const KeywordTable kEndKeywords = {kEndRows, kEndIndex.slots};
+
+const KeywordRow* FindKeyword(const KeywordTable& table, std::string_view word, uint32_t hash) {
+  return Find(table, word, hash, false);
+}
+
+const KeywordRow* FindKeyword(const KeywordTable& table, std::string_view word) {
+  return Find(table, word, KeywordHash(word), false);
+}
+
+const KeywordRow* FindKeywordIgnoringCase(const KeywordTable& table, std::string_view word) {
+  return Find(table, word, KeywordHash(word), true);
 }
 
 }  // namespace ta51

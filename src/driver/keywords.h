@@ -12,17 +12,28 @@ struct KeywordRow {
   uint8_t code;
 };
 
-extern const std::span<const KeywordRow> kDataDirectives;
-extern const std::span<const KeywordRow> kGeneralDirectives;
-extern const std::span<const KeywordRow> kDollarControls;
-extern const std::span<const KeywordRow> kPercentKeywords;
-extern const std::span<const KeywordRow> kIfKeywords;
-extern const std::span<const KeywordRow> kEndKeywords;
+// A keyword table with its hash index; iterates over its rows in order.
+struct KeywordTable {
+  std::span<const KeywordRow> rows;
+  std::span<const uint16_t> index;
 
-// The row whose keyword equals `word` exactly, or nullptr.
-const KeywordRow* FindKeyword(std::span<const KeywordRow> table, std::string_view word);
+  const KeywordRow* begin() const { return rows.data(); }
+  const KeywordRow* end() const { return rows.data() + rows.size(); }
+};
+
+extern const KeywordTable kDataDirectives;
+extern const KeywordTable kGeneralDirectives;
+extern const KeywordTable kDollarControls;
+extern const KeywordTable kPercentKeywords;
+extern const KeywordTable kIfKeywords;
+extern const KeywordTable kEndKeywords;
+
+// The row whose keyword equals `word` exactly, or nullptr; `hash` is
+// KeywordHash(word).
+const KeywordRow* FindKeyword(const KeywordTable& table, std::string_view word, uint32_t hash);
+const KeywordRow* FindKeyword(const KeywordTable& table, std::string_view word);
 // The same with case ignored.
-const KeywordRow* FindKeywordIgnoringCase(std::span<const KeywordRow> table, std::string_view word);
+const KeywordRow* FindKeywordIgnoringCase(const KeywordTable& table, std::string_view word);
 
 // Directive codes with a meaning of their own in the driver.
 enum : int {

@@ -1,8 +1,8 @@
 #include "driver/options.h"
 
-#include <strings.h>
 
 #include "core/diagnostics.h"
+#include "core/keyword_index.h"
 #include "isa/predefined.h"
 
 namespace ta51 {
@@ -25,18 +25,21 @@ constexpr OptionRow kOptionKeywords[] = {
 };
 static_assert(sizeof kOptionKeywords / sizeof kOptionKeywords[0] == 39);
 
+constexpr std::string_view OptionKeywordOf(const OptionRow& row) { return row.keyword; }
+constexpr KeywordIndex<KeywordSlots(std::size(kOptionKeywords))> kOptionIndex(kOptionKeywords, OptionKeywordOf);
+
 void SetUnlessSecondPass(Assembler& as, OptionFlag& flag, int value) {
   if (!as.SecondPass) SetOptionFlag(as, flag, value);
 }
 
 }  // namespace
 
-int FindOption(std::string_view word) {
-  for (const OptionRow& row : kOptionKeywords) {
-    std::string_view keyword = row.keyword;
-    if (keyword.size() == word.size() && strncasecmp(keyword.data(), word.data(), word.size()) == 0) return row.code;
-  }
-  return kNoOption;
+int FindOption(std::string_view word) { return FindOption(word, KeywordHash(word)); }
+
+int FindOption(std::string_view word, uint32_t hash) {
+  int row = FindIndexedKeyword(std::span<const uint16_t>(kOptionIndex.slots), std::span<const OptionRow>(kOptionKeywords),
+                               OptionKeywordOf, word, hash, true);
+  return row < 0 ? kNoOption : kOptionKeywords[row].code;
 }
 
 int SetOptionFlag(Assembler& as, OptionFlag& flag, int value) {

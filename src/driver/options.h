@@ -1,6 +1,7 @@
 // Option keywords: command line, OPT statements and alone as a statement.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include "core/assembler.h"
@@ -11,6 +12,8 @@ constexpr int kNoOption = -1;
 
 // The code of an option keyword, case ignored, or kNoOption.
 int FindOption(std::string_view word);
+// The same with KeywordHash(word) computed by the caller.
+int FindOption(std::string_view word, uint32_t hash);
 // Applies an option code; the statement result (2), or 0 after an error.
 int ProcessOption(Assembler& as, int code);
 int SetOptionFlag(Assembler& as, OptionFlag& flag, int value);

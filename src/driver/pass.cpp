@@ -7,6 +7,7 @@
 #include "driver/directive_dispatch.h"
 #include "directives/segments.h"
 #include "core/diagnostics.h"
+#include "core/keyword_index.h"
 #include "core/statement.h"
 #include "driver/keywords.h"
 #include "driver/line_reader.h"
@@ -290,9 +291,12 @@ void AssembleLine(Assembler& as) {
   FinishLine(as);
 }
 
-std::string ReadOpcodeWord(Assembler& as) {
+// The opcode word, in upper case, into as.OpcodeWord (its buffer is reused
+// from line to line).
+std::string_view ReadOpcodeWord(Assembler& as) {
   LineCursor& line = as.Line;
-  std::string word;
+  std::string& word = as.OpcodeWord;
+  word.clear();
   int32_t start = line.offset;
   while (true) {
     char c = line.Peek();
@@ -304,22 +308,16 @@ std::string ReadOpcodeWord(Assembler& as) {
   return word;
 }
 
-int FindMnemonic(std::string_view word) {
-  for (int row = 0; row < static_cast<int>(std::size(kMnemonics)); ++row)
-    if (word == kMnemonics[row].word) return row;
-  return -1;
-}
-
 // Keyword tables after the directives, searched once the operand field is known.
-int DispatchLateKeywords(Assembler& as, const std::string& word) {
+int DispatchLateKeywords(Assembler& as, std::string_view word, uint32_t hash) {
   if (as.PercentDialect) {
-    if (const KeywordRow* row = FindKeyword(kDollarControls, word)) return ProcessControl(as, row->code);
+    if (const KeywordRow* row = FindKeyword(kDollarControls, word, hash)) return ProcessControl(as, row->code);
     if (word[0] == '%')
-      if (const KeywordRow* row = FindKeyword(kPercentKeywords, word)) return PercentKeyword(as, row->code);
+      if (const KeywordRow* row = FindKeyword(kPercentKeywords, word, hash)) return PercentKeyword(as, row->code);
   }
-  if (const KeywordRow* row = FindKeyword(kIfKeywords, word)) return ProcessConditional(as, row->code);
-  if (const KeywordRow* row = FindKeyword(kEndKeywords, word)) return ProcessConditionalEnd(as, row->code);
-  int option = FindOption(word);
+  if (const KeywordRow* row = FindKeyword(kIfKeywords, word, hash)) return ProcessConditional(as, row->code);
+  if (const KeywordRow* row = FindKeyword(kEndKeywords, word, hash)) return ProcessConditionalEnd(as, row->code);
+  int option = FindOption(word, hash);
   if (option != kNoOption) return ProcessOption(as, option);
   if (word == "MACR" || word == "MACRO") return kResultMacro;
   if (word == ".MACRO") return kResultDotMacro;
@@ -348,16 +346,16 @@ int ProcessStatement(Assembler& as) {
   as.OpcodeOffset = as.Line.offset;
   if (first == '\n' || first == '\0') return kResultNone;
   if (as.PercentDialect && first == '%' && TryPercentCall(as)) return kResultInstruction;
-  std::string word = ReadOpcodeWord(as);
-  as.OpcodeWord = word;
-  int mnemonic = FindMnemonic(word);
+  std::string_view word = ReadOpcodeWord(as);
+  uint32_t hash = KeywordHash(word);
+  int mnemonic = FindMnemonic(word, hash);
   if (mnemonic >= 0) return EncodeInstruction(as, kMnemonics[mnemonic].base, mnemonic);
-  const KeywordRow* directive = FindKeyword(kDataDirectives, word);
-  if (directive == nullptr) directive = FindKeyword(kGeneralDirectives, word);
+  const KeywordRow* directive = FindKeyword(kDataDirectives, word, hash);
+  if (directive == nullptr) directive = FindKeyword(kGeneralDirectives, word, hash);
   if (directive != nullptr) return ProcessDirective(as, directive->code);
   SkipBlanks(as);
   as.OperandOffset = as.Line.offset;
-  int late = word.empty() ? -1 : DispatchLateKeywords(as, word);
+  int late = word.empty() ? -1 : DispatchLateKeywords(as, word, hash);
   if (late >= 0) return late;
   return MacroNameCall(as);
 }

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "core/diagnostics.h"
+#include "core/keyword_index.h"
 #include "core/statement.h"
 #include "directives/segments.h"
 #include "isa/encoder_forms.h"
@@ -10,7 +11,7 @@
 
 namespace ta51 {
 
-const Mnemonic kMnemonics[45] = {
+constexpr Mnemonic kMnemonicRows[45] = {
     {"NOP", 0x00},   {"RET", 0x22},  {"RETI", 0x32}, {"RL", 0x23},    {"RLC", 0x33},  {"RR", 0x03},
     {"RRC", 0x13},   {"SWAP", 0xC4}, {"DA", 0xD4},   {"POP", 0xD0},   {"PUSH", 0xC0}, {"ACALL", 0x11},
     {"AJMP", 0x01},  {"XCHD", 0xD6}, {"XCH", 0xC0},  {"ADD", 0x20},   {"ADDC", 0x30}, {"SUBB", 0x90},
@@ -20,6 +21,17 @@ const Mnemonic kMnemonics[45] = {
     {"JZ", 0x60},    {"SJMP", 0x80}, {"JMP", 0x73},  {"CALL", 0x11},  {"LCALL", 0x12}, {"LJMP", 0x02},
     {"MOVC", 0x93},  {"MOVX", 0xE0}, {"MOV", 0x00},
 };
+const Mnemonic (&kMnemonics)[45] = kMnemonicRows;
+
+namespace {
+constexpr std::string_view WordOf(const Mnemonic& row) { return row.word; }
+constexpr KeywordIndex<KeywordSlots(std::size(kMnemonicRows))> kMnemonicIndex(kMnemonicRows, WordOf);
+}  // namespace
+
+int FindMnemonic(std::string_view word, uint32_t hash) {
+  return FindIndexedKeyword(std::span<const uint16_t>(kMnemonicIndex.slots), std::span<const Mnemonic>(kMnemonicRows),
+                            WordOf, word, hash, false);
+}
 
 namespace {
 
