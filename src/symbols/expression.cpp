@@ -44,10 +44,16 @@ int BinaryLevel(int token) {
 
 bool IsRelation(int token) { return BinaryLevel(token) == 4; }
 
+// Upper-case hexadecimal with no leading zeros, as linker text writes it.
 std::string Hex(uint32_t value) {
-  char text[16];
-  std::snprintf(text, sizeof text, "%X", value);
-  return text;
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  char text[8];
+  int at = sizeof text;
+  do {
+    text[--at] = kDigits[value & 15];
+    value >>= 4;
+  } while (value != 0);
+  return std::string(text + at, sizeof text - at);
 }
 
 bool IsKnownType(const Assembler& as, int type) {

@@ -48,7 +48,22 @@ constexpr std::array<OperatorRow, 27> kOperators = {{
     {">", TOK_GT, false},
 }};
 
-char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+constexpr char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+// For each character, the operator rows that may start with it, one bit per
+// row in table order; most characters start none and cost one look-up.
+constexpr std::array<uint32_t, 256> MakeFirstCharacterRows() {
+  std::array<uint32_t, 256> rows{};
+  for (size_t row = 0; row < kOperators.size(); ++row) {
+    char first = kOperators[row].spelling[0];
+    rows[static_cast<unsigned char>(first)] |= 1u << row;
+    if (kOperators[row].word && first >= 'A' && first <= 'Z')
+      rows[static_cast<unsigned char>(first - 'A' + 'a')] |= 1u << row;
+  }
+  return rows;
+}
+constexpr std::array<uint32_t, 256> kFirstCharacterRows = MakeFirstCharacterRows();
+static_assert(kOperators.size() <= 32);
 
 // Length of the operator row's spelling at `text`, or 0 if it is not there.
 size_t MatchRow(const OperatorRow& row, const char* text) {
@@ -78,7 +93,9 @@ int ScanToken(Assembler& as, bool skipBlanks) {
     // blanks were passed inside a macro expansion and ExprToken is not ';'.
   }
   const char* text = line.Here();
-  for (const OperatorRow& row : kOperators) {
+  for (uint32_t candidates = kFirstCharacterRows[static_cast<unsigned char>(*text)]; candidates != 0;
+       candidates &= candidates - 1) {
+    const OperatorRow& row = kOperators[static_cast<size_t>(__builtin_ctz(candidates))];
     size_t length = MatchRow(row, text);
     if (length == 0) continue;
     if (row.word && IsNameChar(text[length])) break;  // part of a name
