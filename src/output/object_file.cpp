@@ -291,7 +291,8 @@ void WriteSegmentRecords(Assembler& as) {
 void WriteSymbolRecords(Assembler& as) {
   unsigned long publicNumber = 0;
   std::vector<const SymbolEntry*> undefined;
-  as.Symbols.ForEach([&](const SymbolEntry& symbol) {
+  auto linked = [](const SymbolEntry& symbol) { return symbol.relocation != REL_NULL; };
+  as.Symbols.ForEachWhere(linked, [&](const SymbolEntry& symbol) {
     if (symbol.relocation == REL_XREF) {
       if ((symbol.flags & kSymUsedExternal) || symbol.name == "__cstart")
         WriteObjectRecord(as, "NX%X,%02X%s.\r\n", static_cast<uint32_t>(symbol.value),

@@ -80,6 +80,7 @@ class Evaluator {
 
  private:
   void Append(std::string_view text) {
+    if (!expr_.WantsText) return;  // nobody reads it: no text is built
     // Past the capacity the text stops growing; it is refused at the end if used.
     if (expr_.FullText.size() + text.size() >= kFullTextCapacity) {
       expr_.TextOverflow = true;
@@ -500,7 +501,13 @@ class Evaluator {
 
   int32_t AbsoluteTerm(int32_t value) {
     expr_.LeftIsAbsolute = true;
-    Append(Hex(static_cast<uint32_t>(value)));
+    if (!expr_.WantsText) return value;
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    char text[8];
+    int at = sizeof text;
+    for (uint32_t rest = static_cast<uint32_t>(value); at == sizeof text || rest != 0; rest >>= 4)
+      text[--at] = kDigits[rest & 15];
+    Append(std::string_view(text + at, sizeof text - at));
     return value;
   }
 

@@ -156,18 +156,24 @@ const std::vector<uint32_t>& SymbolTable::ObservableOrder() {
   order_.clear();
   for (uint32_t index = 0; index < count_; ++index)
     if (At(index).chain != kFileScopeChain) order_.push_back(index);
+  SortObservable(order_);
+  orderValid_ = true;
+  orderFolded_ = foldCase_;
+  return order_;
+}
+
+// Chain, then name (case folded under NOCASE, bytes deciding among names
+// that fold alike), then the order of entry.
+void SymbolTable::SortObservable(std::vector<uint32_t>& indexes) const {
   bool fold = foldCase_;
-  std::sort(order_.begin(), order_.end(), [this, fold](uint32_t a, uint32_t b) {
+  std::sort(indexes.begin(), indexes.end(), [this, fold](uint32_t a, uint32_t b) {
     const SymbolEntry& x = At(a);
     const SymbolEntry& y = At(b);
     if (x.chain != y.chain) return x.chain < y.chain;
-    int order = CompareNames(x.name, y.name, fold);
-    if (order == 0 && fold) order = CompareNames(x.name, y.name, false);
+    int order = fold ? CompareNames(x.name, y.name, true) : 0;
+    if (order == 0) order = x.name.compare(y.name);
     return order != 0 ? order < 0 : a < b;
   });
-  orderValid_ = true;
-  orderFolded_ = fold;
-  return order_;
 }
 
 SymbolTable::ScopeId SymbolTable::NewFileScope() {

@@ -104,6 +104,19 @@ class SymbolTable {
     for (uint32_t index : ObservableOrder()) visit(static_cast<const SymbolEntry&>(At(index)));
   }
 
+  // The entries for which `keep` holds, in the observable order; only they
+  // are sorted.
+  template <class Keep, class Visit>
+  void ForEachWhere(Keep keep, Visit visit) {
+    std::vector<uint32_t> chosen;
+    for (uint32_t index = 0; index < count_; ++index) {
+      const SymbolEntry& entry = At(index);
+      if (entry.chain != kFileScopeChain && keep(entry)) chosen.push_back(index);
+    }
+    SortObservable(chosen);
+    for (uint32_t index : chosen) visit(static_cast<const SymbolEntry&>(At(index)));
+  }
+
   // File scopes of `.@` names: 0 is the main file's.
   ScopeId CurrentFileScope() const { return fileScope_; }
   void SetCurrentFileScope(ScopeId scope) { fileScope_ = scope; }
@@ -126,6 +139,7 @@ class SymbolTable {
   void Grow();
   std::string_view StoreName(std::string_view name);
   const std::vector<uint32_t>& ObservableOrder();
+  void SortObservable(std::vector<uint32_t>& indexes) const;
 
   std::vector<std::unique_ptr<SymbolEntry[]>> entryChunks_;
   uint32_t count_ = 0;

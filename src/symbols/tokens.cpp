@@ -15,37 +15,38 @@ struct OperatorRow {
   std::string_view spelling;
   int code;
   bool word;  // matched with case ignored, and only if no name character follows
+  std::string_view text;  // in linker text: a word stands between blanks
 };
 
 // Searched in this order: the longer "<>", "<=" and ">=" come before "<" and ">".
 constexpr std::array<OperatorRow, 27> kOperators = {{
-    {"HIGH", TOK_HIGH, true},
-    {"LOW", TOK_LOW, true},
-    {"`BASE", TOK_BASE, true},
-    {"`SIZE", TOK_SIZE, true},
-    {"MOD", TOK_MOD, true},
-    {"SHL", TOK_SHL, true},
-    {"SHR", TOK_SHR, true},
-    {"EQ", TOK_EQ, true},
-    {"NE", TOK_NE, true},
-    {"LT", TOK_LT, true},
-    {"LE", TOK_LE, true},
-    {"GT", TOK_GT, true},
-    {"GE", TOK_GE, true},
-    {"NOT", TOK_NOT, true},
-    {"AND", TOK_AND, true},
-    {"OR", TOK_OR, true},
-    {"XOR", TOK_XOR, true},
-    {"*", TOK_MUL, false},
-    {"/", TOK_DIV, false},
-    {"+", TOK_PLUS, false},
-    {"-", TOK_MINUS, false},
-    {"=", TOK_EQ, false},
-    {"<>", TOK_NE, false},
-    {"<=", TOK_LE, false},
-    {">=", TOK_GE, false},
-    {"<", TOK_LT, false},
-    {">", TOK_GT, false},
+    {"HIGH", TOK_HIGH, true, " HIGH "},
+    {"LOW", TOK_LOW, true, " LOW "},
+    {"`BASE", TOK_BASE, true, " `BASE "},
+    {"`SIZE", TOK_SIZE, true, " `SIZE "},
+    {"MOD", TOK_MOD, true, " MOD "},
+    {"SHL", TOK_SHL, true, " SHL "},
+    {"SHR", TOK_SHR, true, " SHR "},
+    {"EQ", TOK_EQ, true, " EQ "},
+    {"NE", TOK_NE, true, " NE "},
+    {"LT", TOK_LT, true, " LT "},
+    {"LE", TOK_LE, true, " LE "},
+    {"GT", TOK_GT, true, " GT "},
+    {"GE", TOK_GE, true, " GE "},
+    {"NOT", TOK_NOT, true, " NOT "},
+    {"AND", TOK_AND, true, " AND "},
+    {"OR", TOK_OR, true, " OR "},
+    {"XOR", TOK_XOR, true, " XOR "},
+    {"*", TOK_MUL, false, "*"},
+    {"/", TOK_DIV, false, "/"},
+    {"+", TOK_PLUS, false, "+"},
+    {"-", TOK_MINUS, false, "-"},
+    {"=", TOK_EQ, false, "="},
+    {"<>", TOK_NE, false, "<>"},
+    {"<=", TOK_LE, false, "<="},
+    {">=", TOK_GE, false, ">="},
+    {"<", TOK_LT, false, "<"},
+    {">", TOK_GT, false, ">"},
 }};
 
 constexpr char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
@@ -76,12 +77,9 @@ size_t MatchRow(const OperatorRow& row, const char* text) {
 
 }  // namespace
 
-std::string OperatorText(int code) {
-  for (const OperatorRow& row : kOperators) {
-    if (row.code != code) continue;
-    if (!row.word) return std::string(row.spelling);
-    return std::string(1, ' ').append(row.spelling).append(1, ' ');
-  }
+std::string_view OperatorText(int code) {
+  for (const OperatorRow& row : kOperators)
+    if (row.code == code) return row.text;
   return {};
 }
 

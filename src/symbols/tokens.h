@@ -2,11 +2,12 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace ta51 {
 
 // An operator as the linker text writes it: its first spelling, and a word
 // with a blank on either side.
-std::string OperatorText(int code);
+std::string_view OperatorText(int code);
 
 }  // namespace ta51
