@@ -136,6 +136,11 @@ int32_t WriteField(ListRow& row, const FieldText& field, bool first) {
     end = std::min(end, static_cast<int32_t>(line.text.size()));
     while (end > text && IsFieldBreak(line.At(end - 1))) --end;
   }
+  if (row.as.ListLineLimit <= 0 && end > text) {
+    // No limit can cut the field: one write for all of it.
+    Put(row, std::string_view(line.text.data() + text, static_cast<size_t>(end - text)));
+    return kNoText;
+  }
   for (int32_t at = text; at < end;) {
     Put(row, line.At(at++));
     if (LimitReached(row.as, row.Column)) return at < end ? at : kNoText;
