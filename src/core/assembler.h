@@ -12,9 +12,11 @@
 #include <utility>
 #include <vector>
 
+#include "directives/control_state.h"
 #include "directives/segment_entry.h"
 #include "platform/input_file.h"
 #include "symbols/symbol_table.h"
+#include "textlang/conditional_state.h"
 
 namespace ta51 {
 
@@ -135,8 +137,6 @@ struct Assembler {
   int32_t NextDebugNumber = 40000;
   int32_t NextDebugTypeNumber = 40000;
   std::string ModuleName, ModuleFileName;
-  int32_t ConditionalDepth = 0;
-  int32_t ControlConditionalDepth = 0;
   int32_t UniqueLabelCounter = 0;
   bool InMacroExpansion = false;
   bool FromSourceFile = true;
@@ -208,6 +208,10 @@ struct Assembler {
   SegmentEntry* AbsXdataSegment = nullptr;
   SegmentEntry* AbsIdataSegment = nullptr;
   SegmentEntry* AbsBitSegment = nullptr;
+
+  // --- Conditional assembly and control statements ---------------------
+  ConditionalState Conditional;
+  ControlState Controls;
 
   // --- Line reader --------------------------------------------------------
   std::string Accumulator;

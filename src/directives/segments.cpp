@@ -108,6 +108,17 @@ void MakeCurrent(Assembler& as, SegmentEntry* segment) {
   if (as.SecondPass) WriteSegmentSwitch(as);
 }
 
+// The segment an ORG expression names must suit the segment it moves. In an
+// absolute segment the value is an address, whichever absolute segment its
+// terms came from: `ORG $+5` and `ORG TABLE+3` are read there before ORG
+// starts the new absolute segment. A relocatable segment's offset is an
+// address only in its own segment.
+bool OrgReferenceFits(const SegmentEntry* named, const SegmentEntry* current) {
+  if (named == nullptr) return true;
+  if (current == nullptr || current->IsAbsolute()) return named->IsAbsolute();
+  return named == current;
+}
+
 // Skips blanks and tests the alignment keywords; 0 after an error.
 int32_t ReadAlignment(Assembler& as, int32_t type) {
   SkipBlanks(as);
@@ -290,7 +301,7 @@ int OrgDirective(Assembler& as) {
     }
     current->location = value;
   }
-  if (as.SecondPass && as.ExprSegment != nullptr && as.ExprSegment != as.CurrentSegment) return ReportError(as, 95);
+  if (as.SecondPass && !OrgReferenceFits(as.ExprSegment, current)) return ReportError(as, 95);
   return 2;
 }
 

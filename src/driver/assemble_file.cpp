@@ -82,8 +82,8 @@ void RunFirstPass(Assembler& as) {
   as.NextDebugNumber = as.NextDebugTypeNumber = 40000;
   ResetPassState(as);
   AssemblePass(as);
-  if (as.ConditionalDepth > 0) ReportError(as, 35);
-  if (as.ControlConditionalDepth > 0) ReportError(as, 39);
+  if (as.Conditional.Depth > 0) ReportError(as, 35);
+  if (as.Conditional.ControlDepth > 0) ReportError(as, 39);
   if (as.opt.LIST && as.opt.SYM) ListSymbolTable(as);
   if (as.ErrorCount != 0 || as.WarningCount != 0) {
     char text[96];
@@ -189,8 +189,7 @@ void ResetPassState(Assembler& as) {
   as.InIncludeFile = false;
   as.TotalBytes = 0;
   as.LineNumber = 0;
-  as.ConditionalDepth = 0;
-  as.ControlConditionalDepth = 0;
+  as.Conditional.Reset();
   as.WarningCount = 0;
   as.ErrorCount = 0;
   as.PageNumber = 0;

@@ -3,6 +3,7 @@
 // assembled wrong.
 #include "driver/directive_dispatch.h"
 
+#include "directives/controls.h"
 #include "directives/data.h"
 #include "directives/definitions.h"
 #include "directives/general.h"
@@ -12,6 +13,7 @@
 #include "driver/line_reader.h"
 #include "driver/pass.h"
 #include "output/list_file.h"
+#include "textlang/conditional.h"
 #include "textlang/textlang.h"
 
 namespace ta51 {
@@ -44,6 +46,7 @@ int ProcessDirective(Assembler& as, int code) {
   // directive but END, FAIL, EVEN and ALIGN.
   switch (code) {
     case kDirEnd: return EndDirective(as);
+    case kDirOpt: return OptDirective(as);
     case kDirFields: return FieldsDirective(as);
     case kDirPageWidth: return PageWidthDirective(as);
     case kDirInclude: return ProcessInclude(as);
@@ -84,7 +87,16 @@ int ProcessControl(Assembler& as, int code) {
       if (as.Line.Peek() != '(') return ReportError(as, 58);
       return ProcessInclude(as);
     case kCtrlRegisterBank: return RegisterBankControl(as);
-    default: return Unsupported(as);
+    case kCtrlSave: return SaveControl(as);
+    case kCtrlRestore: return RestoreControl(as);
+    case kCtrlSet: return SetControl(as, false);
+    case kCtrlReset: return SetControl(as, true);
+    case kCtrlIf: case kCtrlEndif: case kCtrlElse: case kCtrlElseif: return ProcessControlConditional(as, code);
+    case kCtrlNoList: return NoListControl(as);
+    case kCtrlList: return ListControl(as);
+    case kCtrlEject: return EjectControl(as);
+    case kCtrlTitle: return TitleControl(as);
+    default: return kResultDone;
   }
 }
 

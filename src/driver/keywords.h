@@ -67,7 +67,41 @@ enum : int {
   kDirExtern = 42,
   kDirSegment = 45,
   kDirRseg = 51,
-  kCtrlRegisterBank = 17,
 };
+
+// Codes of the dollar controls; $EJECT and $TITLE share theirs
+// with PAGE and TTL, $INCLUDE with INCLUDE.
+enum : int {
+  kCtrlSave = 7,
+  kCtrlRestore = 8,
+  kCtrlSet = 9,
+  kCtrlReset = 10,
+  kCtrlIf = 11,
+  kCtrlEndif = 12,
+  kCtrlElse = 13,
+  kCtrlElseif = 14,
+  kCtrlNoList = 15,
+  kCtrlList = 16,
+  kCtrlRegisterBank = 17,
+  kCtrlEject = 19,
+  kCtrlTitle = 20,
+};
+
+// Codes of the IF family and of the rows from ENDC to ELSEC.
+enum : int {
+  kIfC = 1,
+  kIfNC = 2,
+  kIfGT = 3,
+  kIfGE = 4,
+  kIfLT = 5,
+  kIfLE = 6,
+  kIfEQ = 7,
+  kIfNE = 8,
+  kIfIC = 9,
+  kIfINC = 10,
+  kIfDef = 11,
+  kIfNDef = 12,
+};
+enum : int { kEndC = 1, kEndM = 2, kElse = 3 };
 
 }  // namespace ta51

@@ -164,8 +164,8 @@ struct IncludeFrame {
 
 IncludeFrame SaveFrame(Assembler& as) {
   return IncludeFrame{std::move(as.SourceStream), as.CurrentFileName, as.InIncludeFile,
-                      as.LineNumber, as.SequenceNumber, as.ConditionalDepth,
-                      as.ControlConditionalDepth, as.Symbols.CurrentFileScope()};
+                      as.LineNumber, as.SequenceNumber, as.Conditional.Depth,
+                      as.Conditional.ControlDepth, as.Symbols.CurrentFileScope()};
 }
 
 void RestoreFrame(Assembler& as, IncludeFrame& frame) {
@@ -174,8 +174,8 @@ void RestoreFrame(Assembler& as, IncludeFrame& frame) {
   as.InIncludeFile = frame.inIncludeFile;
   as.LineNumber = frame.lineNumber;
   as.SequenceNumber = frame.sequenceNumber;
-  as.ConditionalDepth = frame.conditionalDepth;
-  as.ControlConditionalDepth = frame.controlConditionalDepth;
+  as.Conditional.Depth = frame.conditionalDepth;
+  as.Conditional.ControlDepth = frame.controlConditionalDepth;
   as.Symbols.SetCurrentFileScope(frame.fileScope);
 }
 
@@ -237,7 +237,7 @@ std::unique_ptr<InputFile> OpenFromSearchPath(Assembler& as, const std::string& 
 }
 
 void ReadIncludedFile(Assembler& as, const IncludeName& include) {
-  as.ConditionalDepth = 0;
+  as.Conditional.Depth = 0;
   as.SequenceNumber = 0;
   as.LineNumber = 0;
   if (!include.angled) as.SourceStream = InputFile::Open(as.CurrentFileName);

@@ -8,8 +8,6 @@ namespace {
 int Unsupported(Assembler& as) { return ReportError(as, 104); }
 }  // namespace
 
-int ProcessConditional(Assembler& as, int) { return Unsupported(as); }
-int ProcessConditionalEnd(Assembler& as, int) { return Unsupported(as); }
 int PercentKeyword(Assembler& as, int) { return Unsupported(as); }
 bool TryPercentCall(Assembler&) { return false; }
 int MacroStatement(Assembler& as, int) { return Unsupported(as); }

@@ -1,0 +1,6 @@
+; The file ends inside a false section.
+	IFEQ	1
+	DB	1
+	  IFEQ	0
+	  ENDC
+	DB	2
