@@ -9,11 +9,9 @@ int Unsupported(Assembler& as) { return ReportError(as, 104); }
 }  // namespace
 
 int ProcessConditional(Assembler& as, int) { return Unsupported(as); }
-int ProcessConditionalEnd(Assembler& as, int) { return Unsupported(as); }
+// ENDM and .ENDM (code 2) that no definition consumed.
+int ProcessConditionalEnd(Assembler& as, int code) { return code == 2 ? ReportError(as, 47) : Unsupported(as); }
 int PercentKeyword(Assembler& as, int) { return Unsupported(as); }
 bool TryPercentCall(Assembler&) { return false; }
-int MacroStatement(Assembler& as, int) { return Unsupported(as); }
-int MacroCall(Assembler& as, int) { return Unsupported(as); }
-void SubstituteParameters(Assembler&, int32_t, bool) {}
 
 }  // namespace ta51
