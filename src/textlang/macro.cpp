@@ -40,11 +40,11 @@ size_t NameEnd(const std::string& text, size_t at) {
 }
 
 // The first word at or behind `from`: blanks, tabs and new lines before it
-// are passed over, and one of them ends it.
+// are passed over, and one of them or a comment ends it.
 std::string_view FirstWord(const std::string& text, size_t from) {
   size_t start = text.find_first_not_of(" \t\n", from);
   if (start == std::string::npos) return {};
-  size_t end = text.find_first_of(" \t\n", start);
+  size_t end = text.find_first_of(" \t\n;", start);
   if (end == std::string::npos) end = text.size();
   return std::string_view(text).substr(start, end - start);
 }
