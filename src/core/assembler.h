@@ -17,6 +17,7 @@
 #include "platform/input_file.h"
 #include "symbols/symbol_table.h"
 #include "textlang/conditional_state.h"
+#include "textlang/macro_state.h"
 
 namespace ta51 {
 
@@ -148,7 +149,6 @@ struct Assembler {
   std::vector<std::string> NoOverlayList;  // __NOOVL names of both passes, for NV records
   bool RegisterBankUsed[4] = {false, false, false, false};
   int32_t PercentInstanceCounter = 0;
-  int32_t MacroCommentOption = 0;
   bool Additions8052Entered[2] = {false, false};  // upper, lower case half
   int32_t IncludeDepth = 0;
   bool AssemblyStarted = false;  // files may exist from here on
@@ -217,6 +217,9 @@ struct Assembler {
   std::string Accumulator;
   bool SavedFromSourceValid = false;
   bool SavedFromSource = true;
+
+  // --- MACRO language ---------------------------------------------------------
+  MacroState Macros;
 
   // --- Diagnostics ----------------------------------------------------------
   std::string MessageBuffer;

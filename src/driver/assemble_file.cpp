@@ -51,7 +51,6 @@ void SetFirstPassValues(Assembler& as) {
   as.NameIsSet = false;
   as.ExplicitModuleName.clear();
   as.TitleText.clear();
-  as.MacroCommentOption = 0;
   ForgetSegmentSelection(as);
 }
 

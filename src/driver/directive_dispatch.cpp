@@ -42,8 +42,10 @@ int AbsoluteSegmentDirective(Assembler& as, int code) { return SelectAbsoluteSeg
 int ProcessDirective(Assembler& as, int code) {
   SkipBlanks(as);
   as.OperandOffset = as.Line.offset;
-  // Parameter substitution of a macro expansion plugs in here, for every
-  // directive but END, FAIL, EVEN and ALIGN.
+  // Macro arguments reach the operands of every directive but these four,
+  // which act on the operand field as it was written.
+  if (as.InMacroExpansion && code != kDirEnd && code != kDirFail && code != kDirEven && code != kDirAlign)
+    SubstituteParameters(as, as.Line.offset, true);
   switch (code) {
     case kDirEnd: return EndDirective(as);
     case kDirOpt: return OptDirective(as);

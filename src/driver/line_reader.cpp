@@ -10,6 +10,7 @@
 #include "output/list_file.h"
 #include "platform/platform.h"
 #include "symbols/symbols.h"
+#include "textlang/macro.h"
 
 namespace ta51 {
 
@@ -134,7 +135,11 @@ bool FetchLine(Assembler& as) {
     as.SavedFromSourceValid = false;
   }
   as.Line.offset = 0;
-  // The next body line of a running MACRO expansion plugs in here.
+  if (as.InMacroExpansion) {
+    if (!NextMacroBodyLine(as, as.Line.text)) return false;
+    SetLineFlags(as);
+    return true;
+  }
   bool inComment = false;
   while (true) {
     if (!ReadPhysicalLine(as)) return false;

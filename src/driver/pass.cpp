@@ -194,6 +194,7 @@ void ProcessEqu(Assembler& as, int result) {
     ++as.Line.offset;
     as.OperandOffset = as.Line.offset;
   }
+  if (as.InMacroExpansion) SubstituteParameters(as, as.Line.offset, true);
   int registerCode = -1;
   int32_t value = 0;
   if (!EvaluateEquOperand(as, registerCode, value)) return;
@@ -214,6 +215,7 @@ void ProcessSet(Assembler& as) {
     ReportError(as, 27);
     return;
   }
+  if (as.InMacroExpansion) SubstituteParameters(as, as.Line.offset, true);
   int registerCode = -1;
   int32_t value = 0;
   if (!EvaluateEquOperand(as, registerCode, value)) return;
@@ -267,6 +269,10 @@ void FinishLine(Assembler& as) {
 }
 
 void AssembleLine(Assembler& as) {
+  if (as.InMacroExpansion && !IsWhiteSpace(as.Line.Peek()) && as.Line.Peek() != ';') {
+    SubstituteParameters(as, as.Line.offset, true);
+    if (as.LineHasError) return;
+  }
   if (as.BlankLine || as.CommentLine) {
     as.ShowLineValue = false;
     if (as.opt.LIST) ListLine(as);
@@ -342,7 +348,7 @@ int MacroNameCall(Assembler& as) {
 int ProcessStatement(Assembler& as) {
   SkipBlanks(as);
   char first = as.Line.Peek();
-  // Parameter substitution of a macro expansion plugs in here.
+  if (as.InMacroExpansion) SubstituteParameters(as, as.Line.offset, false);
   as.OpcodeOffset = as.Line.offset;
   if (first == '\n' || first == '\0') return kResultNone;
   if (as.PercentDialect && first == '%' && TryPercentCall(as)) return kResultInstruction;

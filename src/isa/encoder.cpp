@@ -8,6 +8,7 @@
 #include "directives/segments.h"
 #include "isa/encoder_forms.h"
 #include "isa/operands.h"
+#include "textlang/textlang.h"
 
 namespace ta51 {
 
@@ -125,8 +126,8 @@ int EncodeInstruction(Assembler& as, uint8_t baseOpcode, int position) {
   Emit(as, baseOpcode);
   SkipBlanks(as);
   as.OperandOffset = as.Line.offset;
-  // Macro parameter substitution of the operand field (positions 3 and up,
-  // during an expansion) plugs in here.
+  // NOP, RET and RETI have no operand field for macro arguments.
+  if (position >= 3 && as.InMacroExpansion) SubstituteParameters(as, as.Line.offset, true);
   for (const HandlerRange& range : kHandlers) {
     if (position >= range.first && position <= range.last) {
       int result = range.handler(statement);

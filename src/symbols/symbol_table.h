@@ -70,6 +70,11 @@ struct SymbolEntry {
   uint8_t flags = 0;
   uint8_t chain = 0;  // chain chosen when the name was entered
 
+  // The side record, or an empty one for an entry that has none.
+  const SymbolExtra& ExtraOrEmpty() const {
+    static const SymbolExtra kNone;
+    return extra != nullptr ? *extra : kNone;
+  }
   std::string_view Expression() const { return extra != nullptr ? std::string_view(extra->expression) : std::string_view(); }
 };
 

@@ -6,6 +6,7 @@
 
 #include "symbols/expression.h"
 #include "symbols/symbols.h"
+#include "textlang/textlang.h"
 
 namespace ta51 {
 
@@ -86,9 +87,11 @@ std::string_view OperatorText(int code) {
 int ScanToken(Assembler& as, bool skipBlanks) {
   LineCursor& line = as.Line;
   if (skipBlanks) {
+    int32_t start = line.offset;
     while (line.Peek() == ' ' || line.Peek() == '\t') ++line.offset;
-    // Macro parameter substitution (SubstituteParameters) plugs in here: when
-    // blanks were passed inside a macro expansion and ExprToken is not ';'.
+    // A word of a macro body is rewritten when the reader reaches it.
+    if (line.offset != start && as.InMacroExpansion && as.ExprToken != ';')
+      SubstituteParameters(as, line.offset, true);
   }
   const char* text = line.Here();
   for (uint32_t candidates = kFirstCharacterRows[static_cast<unsigned char>(*text)]; candidates != 0;

@@ -10,8 +10,5 @@ int Unsupported(Assembler& as) { return ReportError(as, 104); }
 
 int PercentKeyword(Assembler& as, int) { return Unsupported(as); }
 bool TryPercentCall(Assembler&) { return false; }
-int MacroStatement(Assembler& as, int) { return Unsupported(as); }
-int MacroCall(Assembler& as, int) { return Unsupported(as); }
-void SubstituteParameters(Assembler&, int32_t, bool) {}
 
 }  // namespace ta51

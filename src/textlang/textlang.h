@@ -11,7 +11,10 @@ int ProcessConditionalEnd(Assembler& as, int code);
 int PercentKeyword(Assembler& as, int code);
 // Percent call at the opcode field; true if it consumed the statement.
 bool TryPercentCall(Assembler& as);
+// MACRO or .MACRO (results 6 and 7): defines in the first pass, walks over
+// the definition in the second.
 int MacroStatement(Assembler& as, int result);
+// A call (results 8 and 9): lists the call line and runs the body.
 int MacroCall(Assembler& as, int result);
 // Rewrites the word at `position` of the current line with the arguments of
 // the running macro call; `operandField` is false at the opcode field, in a
