@@ -2,6 +2,8 @@
 
 #include <strings.h>
 
+#include "core/statement.h"
+
 namespace ta51 {
 
 namespace {
@@ -41,6 +43,11 @@ constexpr KeywordRow kEndRows[] = {
     {"ENDC", 1}, {"ENDM", 2}, {".ENDM", 2}, {"ELSE", 3}, {"ELSEC", 3},
 };
 
+constexpr KeywordRow kDefiningRows[] = {
+    {"MACR", kResultMacro}, {"MACRO", kResultMacro}, {".MACRO", kResultDotMacro},
+    {"EQU", kResultEqu},    {".EQU", kResultDotEqu}, {"SET", kResultSet},
+};
+
 static_assert(std::size(kDataRows) == 10 && std::size(kGeneralRows) == 29 && std::size(kDollarRows) == 14);
 static_assert(std::size(kPercentRows) == 18 && std::size(kIfRows) == 12 && std::size(kEndRows) == 5);
 
@@ -52,6 +59,7 @@ const std::span<const KeywordRow> kDollarControls = kDollarRows;
 const std::span<const KeywordRow> kPercentKeywords = kPercentRows;
 const std::span<const KeywordRow> kIfKeywords = kIfRows;
 const std::span<const KeywordRow> kEndKeywords = kEndRows;
+const std::span<const KeywordRow> kDefiningKeywords = kDefiningRows;
 
 const KeywordRow* FindKeyword(std::span<const KeywordRow> table, std::string_view word) {
   for (const KeywordRow& row : table)

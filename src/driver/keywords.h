@@ -18,6 +18,8 @@ extern const std::span<const KeywordRow> kDollarControls;
 extern const std::span<const KeywordRow> kPercentKeywords;
 extern const std::span<const KeywordRow> kIfKeywords;
 extern const std::span<const KeywordRow> kEndKeywords;
+// MACRO, EQU, SET and their spellings, with the statement result (kResult*) of each.
+extern const std::span<const KeywordRow> kDefiningKeywords;
 
 // The row whose keyword equals `word` exactly, or nullptr.
 const KeywordRow* FindKeyword(std::span<const KeywordRow> table, std::string_view word);

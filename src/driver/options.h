@@ -1,6 +1,7 @@
 // Option keywords: command line, OPT statements and alone as a statement.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "core/assembler.h"
@@ -8,6 +9,13 @@
 namespace ta51 {
 
 constexpr int kNoOption = -1;
+
+struct OptionRow {
+  const char* keyword;
+  int code;
+};
+// The option keywords, for tools that list the words of the language.
+std::span<const OptionRow> OptionKeywords();
 
 // The code of an option keyword, case ignored, or kNoOption.
 int FindOption(std::string_view word);

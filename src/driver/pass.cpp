@@ -322,11 +322,7 @@ int DispatchLateKeywords(Assembler& as, const std::string& word) {
   if (const KeywordRow* row = FindKeyword(kEndKeywords, word)) return ProcessConditionalEnd(as, row->code);
   int option = FindOption(word);
   if (option != kNoOption) return ProcessOption(as, option);
-  if (word == "MACR" || word == "MACRO") return kResultMacro;
-  if (word == ".MACRO") return kResultDotMacro;
-  if (word == "EQU") return kResultEqu;
-  if (word == ".EQU") return kResultDotEqu;
-  if (word == "SET") return kResultSet;
+  if (const KeywordRow* row = FindKeyword(kDefiningKeywords, word)) return row->code;
   return -1;
 }
 

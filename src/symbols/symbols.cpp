@@ -161,6 +161,8 @@ void MarkPublic(Assembler& as, int flag4, int flag5) {
   if (flag5) symbol->flags = static_cast<uint8_t>((symbol->flags & ~kSymFlag5) | (flag5 & 1 ? kSymFlag5 : 0));
 }
 
+std::span<const std::string_view> ReservedNames() { return kReservedNames; }
+
 int IsFreeLabelName(std::string_view text) {
   size_t end = text.find_first_of(" \t\n,)");
   std::string word(text.substr(0, end));

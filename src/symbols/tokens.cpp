@@ -11,12 +11,6 @@ namespace ta51 {
 
 namespace {
 
-struct OperatorRow {
-  std::string_view spelling;
-  int code;
-  bool word;  // matched with case ignored, and only if no name character follows
-};
-
 // Searched in this order: the longer "<>", "<=" and ">=" come before "<" and ">".
 constexpr std::array<OperatorRow, 27> kOperators = {{
     {"HIGH", TOK_HIGH, true},
@@ -60,6 +54,8 @@ size_t MatchRow(const OperatorRow& row, const char* text) {
 }
 
 }  // namespace
+
+std::span<const OperatorRow> OperatorTable() { return kOperators; }
 
 std::string OperatorText(int code) {
   for (const OperatorRow& row : kOperators) {
