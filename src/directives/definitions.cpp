@@ -19,11 +19,6 @@ constexpr uint32_t kLastBitByte = 0x2F;
 constexpr uint32_t kLastBitNumber = 7;
 constexpr uint32_t kDirectAddressLimit = 256;
 
-struct ExternType {
-  const char* keyword;
-  int32_t type;
-};
-
 constexpr ExternType kExternTypes[] = {
     {"CODE", T_CODE},
     {"DATA", T_DATA},
@@ -136,6 +131,8 @@ bool ReadExternGroup(Assembler& as, int32_t type) {
 }
 
 }  // namespace
+
+std::span<const ExternType> ExternTypes() { return kExternTypes; }
 
 int AddressDirective(Assembler& as, int32_t type) {
   if (!as.LineHasLabel) return ReportError(as, 27);

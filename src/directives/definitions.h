@@ -3,10 +3,18 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "core/assembler.h"
 
 namespace ta51 {
+
+struct ExternType {
+  const char* keyword;
+  int32_t type;
+};
+// The types EXTRN takes, for tools that list the words of the language.
+std::span<const ExternType> ExternTypes();
 
 // DATA, XDATA, IDATA or CODE, with the symbol type it gives.
 int AddressDirective(Assembler& as, int32_t type);

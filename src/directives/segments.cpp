@@ -17,20 +17,10 @@ namespace {
 
 constexpr const char* kKeywordFollow = " \t\n";
 
-struct TypeKeyword {
-  const char* keyword;
-  int32_t type;
-};
 constexpr TypeKeyword kTypeKeywords[] = {
     {"CODE", T_CODE}, {"DATA", T_DATA}, {"XDATA", T_XDATA}, {"IDATA", T_IDATA}, {"BIT", T_BIT},
 };
 
-struct AlignmentKeyword {
-  const char* keyword;
-  int32_t kind;
-  // Segment types that may take it; 0 ends the list, -1 means all types.
-  int32_t allowed[3];
-};
 constexpr AlignmentKeyword kAlignmentKeywords[] = {
     {"PAGE", kKindPage, {T_CODE, T_XDATA, 0}},
     {"INPAGE", kKindInpage, {T_CODE, T_XDATA, 0}},
@@ -217,6 +207,9 @@ int SelectAbsoluteSegment(Assembler& as, int code, bool readAt, uint32_t address
   as.LineValue = static_cast<int32_t>(candidate->location);
   return 12;
 }
+
+std::span<const TypeKeyword> SegmentTypeKeywords() { return kTypeKeywords; }
+std::span<const AlignmentKeyword> SegmentAlignmentKeywords() { return kAlignmentKeywords; }
 
 int SegmentDirective(Assembler& as) {
   if (!as.LineHasLabel) return ReportError(as, 27);

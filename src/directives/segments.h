@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "core/assembler.h"
 
@@ -9,6 +10,20 @@ namespace ta51 {
 
 // Directive codes of the absolute segment keywords.
 enum : int { kCodeCSEG = 46, kCodeDSEG = 47, kCodeXSEG = 48, kCodeISEG = 49, kCodeBSEG = 50 };
+
+struct TypeKeyword {
+  const char* keyword;
+  int32_t type;
+};
+struct AlignmentKeyword {
+  const char* keyword;
+  int32_t kind;
+  // Segment types that may take it; 0 ends the list, -1 means all types.
+  int32_t allowed[3];
+};
+// The words SEGMENT reads, for tools that list the words of the language.
+std::span<const TypeKeyword> SegmentTypeKeywords();
+std::span<const AlignmentKeyword> SegmentAlignmentKeywords();
 
 SegmentEntry* NewSegment(Assembler& as, int32_t type);
 int SelectAbsoluteSegment(Assembler& as, int code, bool readAt, uint32_t address, bool forced);

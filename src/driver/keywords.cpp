@@ -2,6 +2,8 @@
 
 #include "core/keyword_index.h"
 
+#include "core/statement.h"
+
 namespace ta51 {
 
 namespace {
@@ -41,6 +43,11 @@ constexpr KeywordRow kEndRows[] = {
     {"ENDC", 1}, {"ENDM", 2}, {".ENDM", 2}, {"ELSE", 3}, {"ELSEC", 3},
 };
 
+constexpr KeywordRow kDefiningRows[] = {
+    {"MACR", kResultMacro}, {"MACRO", kResultMacro}, {".MACRO", kResultDotMacro},
+    {"EQU", kResultEqu},    {".EQU", kResultDotEqu}, {"SET", kResultSet},
+};
+
 static_assert(std::size(kDataRows) == 10 && std::size(kGeneralRows) == 29 && std::size(kDollarRows) == 14);
 static_assert(std::size(kPercentRows) == 18 && std::size(kIfRows) == 12 && std::size(kEndRows) == 5);
 
@@ -55,6 +62,7 @@ constexpr IndexFor<std::size(kDollarRows)> kDollarIndex(kDollarRows, KeywordOf);
 constexpr IndexFor<std::size(kPercentRows)> kPercentIndex(kPercentRows, KeywordOf);
 constexpr IndexFor<std::size(kIfRows)> kIfIndex(kIfRows, KeywordOf);
 constexpr IndexFor<std::size(kEndRows)> kEndIndex(kEndRows, KeywordOf);
+constexpr IndexFor<std::size(kDefiningRows)> kDefiningIndex(kDefiningRows, KeywordOf);
 
 const KeywordRow* Find(const KeywordTable& table, std::string_view word, uint32_t hash, bool ignoreCase) {
   int row = FindIndexedKeyword(table.index, table.rows, KeywordOf, word, hash, ignoreCase);
@@ -69,6 +77,7 @@ const KeywordTable kDollarControls = {kDollarRows, kDollarIndex.slots};
 const KeywordTable kPercentKeywords = {kPercentRows, kPercentIndex.slots};
 const KeywordTable kIfKeywords = {kIfRows, kIfIndex.slots};
 const KeywordTable kEndKeywords = {kEndRows, kEndIndex.slots};
+const KeywordTable kDefiningKeywords = {kDefiningRows, kDefiningIndex.slots};
 
 const KeywordRow* FindKeyword(const KeywordTable& table, std::string_view word, uint32_t hash) {
   return Find(table, word, hash, false);

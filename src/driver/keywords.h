@@ -27,6 +27,8 @@ extern const KeywordTable kDollarControls;
 extern const KeywordTable kPercentKeywords;
 extern const KeywordTable kIfKeywords;
 extern const KeywordTable kEndKeywords;
+// MACRO, EQU, SET and their spellings, with the statement result (kResult*) of each.
+extern const KeywordTable kDefiningKeywords;
 
 // The row whose keyword equals `word` exactly, or nullptr; `hash` is
 // KeywordHash(word).

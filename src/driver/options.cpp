@@ -9,11 +9,6 @@ namespace ta51 {
 
 namespace {
 
-struct OptionRow {
-  const char* keyword;
-  int code;
-};
-
 constexpr OptionRow kOptionKeywords[] = {
     {"CLIST", 0},   {"NOCLIST", 1}, {"MC", 6},      {"NOMC", 7},    {"MD", 8},      {"NOMD", 9},
     {"MEX", 10},    {"NOMEX", 11},  {"OBJ", 12},    {"NOOBJ", 13},  {"OBJOFF", 28}, {"O", 12},
@@ -33,6 +28,8 @@ void SetUnlessSecondPass(Assembler& as, OptionFlag& flag, int value) {
 }
 
 }  // namespace
+
+std::span<const OptionRow> OptionKeywords() { return kOptionKeywords; }
 
 int FindOption(std::string_view word) { return FindOption(word, KeywordHash(word)); }
 

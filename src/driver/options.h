@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "core/assembler.h"
@@ -9,6 +10,13 @@
 namespace ta51 {
 
 constexpr int kNoOption = -1;
+
+struct OptionRow {
+  const char* keyword;
+  int code;
+};
+// The option keywords, for tools that list the words of the language.
+std::span<const OptionRow> OptionKeywords();
 
 // The code of an option keyword, case ignored, or kNoOption.
 int FindOption(std::string_view word);

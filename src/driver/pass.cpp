@@ -325,11 +325,7 @@ int DispatchLateKeywords(Assembler& as, std::string_view word, uint32_t hash) {
   if (const KeywordRow* row = FindKeyword(kEndKeywords, word, hash)) return ProcessConditionalEnd(as, row->code);
   int option = FindOption(word, hash);
   if (option != kNoOption) return ProcessOption(as, option);
-  if (word == "MACR" || word == "MACRO") return kResultMacro;
-  if (word == ".MACRO") return kResultDotMacro;
-  if (word == "EQU") return kResultEqu;
-  if (word == ".EQU") return kResultDotEqu;
-  if (word == "SET") return kResultSet;
+  if (const KeywordRow* row = FindKeyword(kDefiningKeywords, word, hash)) return row->code;
   return -1;
 }
 

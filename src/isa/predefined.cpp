@@ -132,6 +132,8 @@ void EnterTable(Assembler& as, std::span<const PredefinedName> table, bool lower
 const char* const kRegisterNames[17] = {"A",   "R0",  "R1",  "R2",  "R3",  "R4",  "R5",  "R6", "R7",
                                         "AR0", "AR1", "AR2", "AR3", "AR4", "AR5", "AR6", "AR7"};
 
+const std::span<const PredefinedName> kPredefinedTables[3] = {kCoreRegisters, kCoreBits, kAdditions8052};
+
 bool IsRegisterName(std::string_view name) {
   for (const char* registerName : kRegisterNames)
     if (name == registerName) return true;

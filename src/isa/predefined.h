@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "core/assembler.h"
@@ -17,6 +18,9 @@ struct PredefinedName {
 // A, R0..R7, AR0..AR7: the first nine give RegisterCode (position + 1).
 extern const char* const kRegisterNames[17];
 bool IsRegisterName(std::string_view name);
+// The core registers, the core bits and the 8052 additions, for tools that
+// list the words of the language.
+extern const std::span<const PredefinedName> kPredefinedTables[3];
 
 // Enters the core tables (unless additionsOnly) and, in 8052 mode, the
 // additions, in upper or lower case.

@@ -166,6 +166,8 @@ void MarkPublic(Assembler& as, int flag4, int flag5) {
   if (flag5) symbol->flags = static_cast<uint8_t>((symbol->flags & ~kSymFlag5) | (flag5 & 1 ? kSymFlag5 : 0));
 }
 
+std::span<const std::string_view> ReservedNames() { return kReservedNames; }
+
 int IsFreeLabelName(std::string_view text) {
   std::string_view word = text.substr(0, text.find_first_of(" \t\n,)"));
   for (std::string_view reserved : kReservedNames) {

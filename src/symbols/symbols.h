@@ -2,6 +2,7 @@
 // through the run: reading names, looking them up and defining them.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "core/assembler.h"
@@ -44,6 +45,8 @@ void DefineSymbol(Assembler& as, const char* name, const SymbolDefinition& defin
 void MarkPublic(Assembler& as, int flag4, int flag5);
 // 1 if the first word of `text` is no reserved name.
 int IsFreeLabelName(std::string_view text);
+// The names no label may take, for tools that list the words of the language.
+std::span<const std::string_view> ReservedNames();
 // A register alias at the read offset with a code in [low, high]: its code,
 // with the offset moved past the name; otherwise 0.
 int MatchRegisterSymbol(Assembler& as, int low, int high);

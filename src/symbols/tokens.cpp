@@ -12,13 +12,6 @@ namespace ta51 {
 
 namespace {
 
-struct OperatorRow {
-  std::string_view spelling;
-  int code;
-  bool word;  // matched with case ignored, and only if no name character follows
-  std::string_view text;  // in linker text: a word stands between blanks
-};
-
 // Searched in this order: the longer "<>", "<=" and ">=" come before "<" and ">".
 constexpr std::array<OperatorRow, 27> kOperators = {{
     {"HIGH", TOK_HIGH, true, " HIGH "},
@@ -77,6 +70,8 @@ size_t MatchRow(const OperatorRow& row, const char* text) {
 }
 
 }  // namespace
+
+std::span<const OperatorRow> OperatorTable() { return kOperators; }
 
 std::string_view OperatorText(int code) {
   for (const OperatorRow& row : kOperators)
