@@ -193,6 +193,7 @@ void ResetPassState(Assembler& as) {
   as.ErrorCount = 0;
   as.PageNumber = 0;
   as.UniqueLabelCounter = 0;
+  as.Macros.StartPass();
   as.SequenceNumber = 0;
   RewindSegments(as);
 }

@@ -334,8 +334,11 @@ int MacroNameCall(Assembler& as) {
   if (!ReadName(as, as.Line.Here())) return kResultNone;
   int type = LookupSymbol(as, as.Line.Here());
   if (type != T_MACRO && type != T_NAMEDMACRO) return kResultNone;
-  SkipSymbolName(as);
-  --as.Line.offset;
+  // The arguments start behind the name and its blanks; the expression
+  // reader must not take a first argument such as `MOD,1` as an operator,
+  // nor rewrite it for a running call.
+  as.Line.offset += static_cast<int32_t>(as.NameBuffer.size());
+  SkipBlanks(as);
   return type == T_MACRO ? kResultMacroCall : kResultNamedMacroCall;
 }
 

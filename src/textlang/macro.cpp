@@ -79,6 +79,14 @@ struct ArgumentScan {
   int32_t end = 0;
 };
 
+// Expansions without end that fan out below the depth bound, a macro that
+// calls itself twice, say, meet this one; every running body ends.
+void ReportBodyLineLimit(Assembler& as) {
+  as.Macros.Exhausted = true;
+  as.Macros.Unwinding = true;
+  ReportError(as, 6, true, "macro expansions give at most 1000000 lines in a pass");
+}
+
 int ArgumentOverflow(Assembler& as, int32_t at) {
   as.Line.offset = at;
   return ReportError(as, 6, true, "a macro call takes at most 36 arguments");
@@ -211,6 +219,11 @@ bool NextMacroBodyLine(Assembler& as, std::string& text) {
   const std::string& body = frame->Macro->ExtraOrEmpty().body;
   size_t from = frame->MacroBodyPosition;
   if (from >= body.size()) return false;
+  if (state.BodyLines == kMacroBodyLineLimit) {
+    ReportBodyLineLimit(as);
+    return false;
+  }
+  ++state.BodyLines;
   size_t end = body.find('\n', from);
   end = end == std::string::npos ? body.size() : end + 1;
   text.assign(body, from, end - from);
@@ -280,6 +293,10 @@ bool BeginMacroCall(Assembler& as, const SymbolEntry& macro, bool named) {
   MacroState& state = as.Macros;
   if (as.Line.text.size() > kMacroLineLimit + 1) {
     ReportError(as, 87);
+    return false;
+  }
+  if (state.Exhausted) {
+    ReportBodyLineLimit(as);
     return false;
   }
   if (state.Depth >= kMacroDepthLimit) {

@@ -20,6 +20,7 @@ constexpr size_t kMacroArgumentLimit = 99;      // characters of one argument
 constexpr size_t kMacroLineLimit = 15360;       // a call line, a rewritten line
 constexpr int32_t kGeneratedLabelLimit = 99999;  // last number of a generated label
 constexpr int32_t kMacroDepthLimit = 256;        // calls running at once
+constexpr int64_t kMacroBodyLineLimit = 1000000;  // body lines served in one pass
 
 // One running call. Frames are kept when a call ends, so that a later call
 // at the same depth reuses their buffers.
@@ -56,6 +57,9 @@ struct MacroState {
   bool KeepMacroComments = true;
   // Set when a call passed the depth bound: every running body ends at once.
   bool Unwinding = false;
+  // Body lines served in this pass; past the bound no call runs any more.
+  int64_t BodyLines = 0;
+  bool Exhausted = false;
   // Reused working text of a rewrite, and the backslashes of one word.
   std::string Scratch;
   struct Escape {
@@ -66,6 +70,14 @@ struct MacroState {
     std::string_view replacement;  // unless cut; the form itself if kept
   };
   std::vector<Escape> Escapes;
+
+  // A pass starts with no call running and the whole budget of lines.
+  void StartPass() {
+    Depth = 0;
+    Unwinding = false;
+    BodyLines = 0;
+    Exhausted = false;
+  }
 
   MacroCallFrame* Current() { return Depth > 0 ? &Frames[static_cast<size_t>(Depth) - 1] : nullptr; }
   const MacroCallFrame* Current() const {

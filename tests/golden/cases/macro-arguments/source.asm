@@ -10,6 +10,7 @@ BOTH	MACRO
 	ENDM
 CUT	MACRO
 	DB	1\@,2
+	DB	'\.1\.2\.1'
 	DB	3	; \0 and \.1 in a comment stay as written
 	ENDM
 CAT	.MACRO	a,b

@@ -11,6 +11,7 @@ OUTER	MACRO
 	SJMP	\.1
 	NOP
 \.1:	INNER	9
+	INNER	\.2	; no generated label in the operands of a call
 	ENDM
 NAMED	.MACRO	first,second
 	DB	NARG,first
