@@ -110,8 +110,8 @@ echo
 echo "| Program | Lines | Symbols | Code bytes | ta51 (s) | as31 (s) | ta51/as31 | ta51 peak (MiB) | Bytes per symbol | Images |"
 echo "|---|---:|---:|---:|---:|---:|---:|---:|---:|---|"
 declare -A seconds_of
-for spec in "dense dense 35000" "symbols-100k symbols 100000" "symbols-1M symbols 1000000"; do
-  read -r name mode lines <<<"$spec"
+for program in "dense dense 35000" "symbols-100k symbols 100000" "symbols-1M symbols 1000000"; do
+  read -r name mode lines <<<"$program"
   read -r symbols bytes < <(generate "$name" "$mode" "$lines")
   if [ -z "${bytes:-}" ]; then
     echo "ta51_gen_compare failed on the $name program:"
