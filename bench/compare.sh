@@ -44,9 +44,11 @@ measure() {
 
 median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
 
-# Assembles once with each, checks the status and compares the images.
+# Assembles once with each, checks the status and compares the images; the
+# image must hold as many bytes as the generator placed, so that two empty
+# images never pass for equal ones.
 check_program() {
-  local name=$1 dir=$work/$1 status
+  local name=$1 bytes=$2 dir=$work/$1 status
   read -r _ _ status < <(measure "$dir/ta51" "$ta51" /NOLOGO 'prog.asm;')
   if [ "$status" != 0 ]; then
     echo "ta51 refused the $name program (status $status):"
@@ -54,6 +56,10 @@ check_program() {
     return 1
   fi
   "$tools/ta51_image" obj "$dir/ta51/prog.OBJ" "$dir/ta51.image"
+  if [ "$(wc -l <"$dir/ta51.image")" != "$bytes" ]; then
+    echo "The $name program: ta51's image holds $(wc -l <"$dir/ta51.image") bytes, the program $bytes."
+    return 1
+  fi
   [ -n "$as31" ] || return 0
   read -r _ _ status < <(measure "$dir/as31" "$as31" -Fhex prog.asm)
   if [ "$status" != 0 ]; then
@@ -118,7 +124,7 @@ for spec in "dense dense 35000" "symbols-100k symbols 100000" "symbols-1M symbol
     cat "$work/$name/summary"
     exit 1
   fi
-  check_program "$name"
+  check_program "$name" "$bytes"
   time_program "$name"
   seconds_of[$name]=$ta51_time
   awk -v n="$name" -v l="$lines" -v s="$symbols" -v b="$bytes" -v t="$ta51_time" -v a="$as31_time" \
