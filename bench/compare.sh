@@ -13,7 +13,8 @@
 # module and the Intel HEX file into code images, and the images must be
 # equal byte for byte. Then the two are timed in pairs (ta51, as31, ta51,
 # as31 ...) and the median of each is reported, with ta51's peak memory.
-# Without as31 the comparison is skipped and ta51 is timed alone.
+# Without as31 (not installed, or AS31= set empty) the comparison is skipped
+# and ta51 is timed alone.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -29,7 +30,8 @@ tools=$build/bench
 work=$(mktemp -d /tmp/ta51-compare-XXXXXX)
 trap 'rm -rf "$work"' EXIT
 
-as31=$(command -v as31 || true)
+# AS31 names the as31 to use; set empty, it stands for an absent one.
+as31=${AS31-$(command -v as31 || true)}
 if [ -z "$as31" ]; then
   echo "as31 is not installed: the comparison with as31 is skipped; ta51 is timed alone."
 fi
