@@ -13,7 +13,8 @@
 # module and the Intel HEX file into code images, and the images must be
 # equal byte for byte. Then the two are timed in pairs (ta51, as31, ta51,
 # as31 ...) and the median of each is reported, with ta51's peak memory.
-# Without as31 the comparison is skipped and ta51 is timed alone.
+# Without as31 (not installed, or AS31= set empty) the comparison is skipped
+# and ta51 is timed alone.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -29,7 +30,8 @@ tools=$build/bench
 work=$(mktemp -d /tmp/ta51-compare-XXXXXX)
 trap 'rm -rf "$work"' EXIT
 
-as31=$(command -v as31 || true)
+# AS31 names the as31 to use; set empty, it stands for an absent one.
+as31=${AS31-$(command -v as31 || true)}
 if [ -z "$as31" ]; then
   echo "as31 is not installed: the comparison with as31 is skipped; ta51 is timed alone."
 fi
@@ -44,9 +46,11 @@ measure() {
 
 median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
 
-# Assembles once with each, checks the status and compares the images.
+# Assembles once with each, checks the status and compares the images; the
+# image must hold as many bytes as the generator placed, so that two empty
+# images never pass for equal ones.
 check_program() {
-  local name=$1 dir=$work/$1 status
+  local name=$1 bytes=$2 dir=$work/$1 status
   read -r _ _ status < <(measure "$dir/ta51" "$ta51" /NOLOGO 'prog.asm;')
   if [ "$status" != 0 ]; then
     echo "ta51 refused the $name program (status $status):"
@@ -54,6 +58,10 @@ check_program() {
     return 1
   fi
   "$tools/ta51_image" obj "$dir/ta51/prog.OBJ" "$dir/ta51.image"
+  if [ "$(wc -l <"$dir/ta51.image")" != "$bytes" ]; then
+    echo "The $name program: ta51's image holds $(wc -l <"$dir/ta51.image") bytes, the program $bytes."
+    return 1
+  fi
   [ -n "$as31" ] || return 0
   read -r _ _ status < <(measure "$dir/as31" "$as31" -Fhex prog.asm)
   if [ "$status" != 0 ]; then
@@ -118,7 +126,7 @@ for program in "dense dense 35000" "symbols-100k symbols 100000" "symbols-1M sym
     cat "$work/$name/summary"
     exit 1
   fi
-  check_program "$name"
+  check_program "$name" "$bytes"
   time_program "$name"
   seconds_of[$name]=$ta51_time
   awk -v n="$name" -v l="$lines" -v s="$symbols" -v b="$bytes" -v t="$ta51_time" -v a="$as31_time" \

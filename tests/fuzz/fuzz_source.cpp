@@ -12,7 +12,8 @@
 //
 // The process changes its directory at start, so every path given to it,
 // corpus directories and -artifact_prefix, must be absolute:
-//   ./ta51_fuzz -max_total_time=60 -artifact_prefix=$PWD/ $PWD/corpus-copy
+//   ./ta51_make_dictionary > $PWD/ta51.dict     (every keyword, from the tables)
+//   ./ta51_fuzz -max_total_time=60 -dict=$PWD/ta51.dict -artifact_prefix=$PWD/ $PWD/corpus-copy
 //   ./ta51_fuzz $PWD/crash-<hash>          (reproduce one input)
 
 #include <unistd.h>

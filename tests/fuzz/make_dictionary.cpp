@@ -6,10 +6,14 @@
 //
 // Words of the opcode field (mnemonics, directives, IF and END keywords,
 // options, MACRO/EQU/SET) and word operators (AND, SHL, HIGH ...) come with
-// a blank on either side, as they stand in a statement; the others
-// (controls, percent keywords, registers, predefined names, symbol
-// operators, segment and EXTRN types) as they are spelt. Each entry
-// appears once.
+// a blank on either side, as they stand in a statement. An option keyword is
+// a whole statement, so it comes as a whole line too, "\n\tBIN\n;": inserted
+// at the end of a line or inside a comment it adds a statement of its own
+// and turns the rest of that line into a comment, so the source stays free
+// of errors and reaches the second pass, where " BIN " would mostly spoil
+// the line it lands in. Dollar controls come at the start of a line, the
+// others (percent keywords, registers, predefined names, symbol operators,
+// segment and EXTRN types) as they are spelt. Each entry appears once.
 
 #include <cstdio>
 #include <set>
@@ -35,6 +39,25 @@ class Dictionary {
     if (padded) entry += ' ';
     entry.append(word);
     if (padded) entry += ' ';
+    Entry(entry);
+  }
+
+  // `before` + word + `after`, e.g. a whole line.
+  void Framed(std::string_view before, std::string_view word, std::string_view after) {
+    std::string entry(before);
+    entry.append(word).append(after);
+    Entry(entry);
+  }
+
+  template <typename Row>
+  void Table(std::span<const Row> rows, bool padded) {
+    for (const Row& row : rows) Word(row.keyword, padded);
+  }
+
+ private:
+  std::set<std::string> seen_;
+
+  void Entry(const std::string& entry) {
     if (!seen_.insert(entry).second) return;
     std::string line = "\"";
     for (char c : entry) {
@@ -52,14 +75,6 @@ class Dictionary {
     line += "\"\n";
     std::fputs(line.c_str(), stdout);
   }
-
-  template <typename Row>
-  void Table(std::span<const Row> rows, bool padded) {
-    for (const Row& row : rows) Word(row.keyword, padded);
-  }
-
- private:
-  std::set<std::string> seen_;
 };
 
 }  // namespace
@@ -72,7 +87,8 @@ int main() {
                                     &kDefiningKeywords})
     d.Table(table->rows, true);
   d.Table(OptionKeywords(), true);
-  d.Table(kDollarControls.rows, false);
+  for (const OptionRow& row : OptionKeywords()) d.Framed("\n\t", row.keyword, "\n;");
+  for (const KeywordRow& row : kDollarControls) d.Framed("\n", row.keyword, "");
   d.Table(kPercentKeywords.rows, false);
   for (const char* name : kRegisterNames) d.Word(name, false);
   for (std::span<const PredefinedName> table : kPredefinedTables)
