@@ -138,15 +138,21 @@ void DefineReservationLabel(Assembler& as, int32_t type, int32_t size) {
   DefineSymbol(as, as.Line.Pointer(as.LabelOffset), definition);
 }
 
+// One past the highest address of any 8051 address space.
+constexpr int64_t kAddressSpaceEnd = 0x10000;
+
 int Reserve(Assembler& as, int32_t labelType, bool countsBytes, bool textInMessage) {
   int32_t size = 0;
   if (!ReadReservedSize(as, textInMessage, size)) return 0;
   DefineReservationLabel(as, labelType, size);
   if (as.LineHasError) return 0;
   SegmentEntry& segment = *as.CurrentSegment;
+  // A negative size moves the position back, but neither below the start
+  // of the space nor past its 64 KiB end: the position would wrap.
+  int64_t moved = static_cast<int64_t>(segment.location) + size;
+  if (moved < 0 || moved > kAddressSpaceEnd) return ReportError(as, 28);
   as.LineValue = static_cast<int32_t>(segment.location);
-  // Nothing bounds the size: a negative one moves the position back.
-  segment.location += static_cast<uint32_t>(size);
+  segment.location = static_cast<uint32_t>(moved);
   if (countsBytes) as.TotalBytes += static_cast<uint32_t>(size);
   if (as.SecondPass) {
     WriteNewLocation(as, segment.location);

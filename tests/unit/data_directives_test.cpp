@@ -34,6 +34,16 @@ TEST_F(DataDirectives, LabelsOfDataStatementsAndTheirValues) {
   EXPECT_EQ(Body(" DS 4\n DS -2\n NOP\n"), "ST0,C,A. ASS0,3. ASL0,0. ASQ0,2. SB0. IRG,R0. ASP,4. ASP,2. LR00. ");
 }
 
+TEST_F(DataDirectives, ReservationsStayInsideTheAddressSpace) {
+  // Below 0 or past 10000H the position would wrap and the next byte land
+  // on an address already used.
+  EXPECT_EQ(Errors(" CSEG AT 0\n DS -1\n NOP\n"), "Out of range;");
+  EXPECT_EQ(Errors(" CSEG AT 0FFF0H\n DS 11H\n"), "Out of range;");
+  EXPECT_EQ(Errors(" CSEG AT 0FFF0H\n DS 10H\n"), "");
+  EXPECT_EQ(Errors(" DSEG AT 30H\n DS -31H\n"), "Out of range;");
+  EXPECT_EQ(Errors(" DSEG AT 30H\n DS -30H\n"), "");
+}
+
 TEST_F(DataDirectives, TotalsWithAndWithoutObjectFile) {
   Write("t.asm", " NOP\n DB 1,2\n DS 3\n EVEN\n ALIGN 8\n BSEG\n DBIT 9\n");
   EXPECT_NE(Run({"t.asm;"}).out.find("Total bytes generated: 8\n"), std::string::npos);
