@@ -5,7 +5,7 @@
 
 #include "core/diagnostics.h"
 #include "core/statement.h"
-#include "driver/options.h"
+#include "core/option_keywords.h"
 #include "output/list_file.h"
 #include "symbols/expression.h"
 #include "symbols/symbols.h"

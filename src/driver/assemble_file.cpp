@@ -6,7 +6,7 @@
 #include "directives/segments.h"
 #include "core/diagnostics.h"
 #include "driver/line_reader.h"
-#include "driver/options.h"
+#include "core/option_keywords.h"
 #include "driver/pass.h"
 #include "output/list_file.h"
 #include "output/object_file.h"

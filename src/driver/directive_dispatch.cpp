@@ -9,7 +9,7 @@
 #include "directives/general.h"
 #include "directives/segments.h"
 #include "core/diagnostics.h"
-#include "driver/keywords.h"
+#include "core/keyword_tables.h"
 #include "driver/line_reader.h"
 #include "driver/pass.h"
 #include "output/list_file.h"

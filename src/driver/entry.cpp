@@ -8,7 +8,7 @@
 #include <new>
 
 #include "core/diagnostics.h"
-#include "driver/options.h"
+#include "core/option_keywords.h"
 #include "driver/pass.h"
 #include "platform/platform.h"
 #include "symbols/symbols.h"

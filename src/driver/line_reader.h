@@ -2,11 +2,10 @@
 #pragma once
 
 #include "core/assembler.h"
+#include "core/line_source.h"
 
 namespace ta51 {
 
-// The next logical line into as.Line, or false at the end of the input.
-bool FetchLine(Assembler& as);
 // INCLUDE and $INCLUDE; the statement result.
 int ProcessInclude(Assembler& as);
 

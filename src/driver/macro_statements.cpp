@@ -6,9 +6,9 @@
 
 #include "core/diagnostics.h"
 #include "core/statement.h"
-#include "driver/keywords.h"
+#include "core/keyword_tables.h"
 #include "driver/line_reader.h"
-#include "driver/options.h"
+#include "core/option_keywords.h"
 #include "driver/pass.h"
 #include "isa/encoder.h"
 #include "output/list_file.h"

@@ -1,4 +1,4 @@
-#include "driver/options.h"
+#include "core/option_keywords.h"
 
 
 #include "core/diagnostics.h"

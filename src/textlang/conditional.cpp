@@ -8,7 +8,7 @@
 
 #include "core/diagnostics.h"
 #include "core/statement.h"
-#include "driver/keywords.h"
+#include "core/keyword_tables.h"
 #include "symbols/expression.h"
 #include "symbols/symbols.h"
 #include "textlang/textlang.h"

@@ -8,8 +8,8 @@
 
 #include "core/diagnostics.h"
 #include "core/statement.h"
-#include "driver/keywords.h"
-#include "driver/line_reader.h"
+#include "core/keyword_tables.h"
+#include "core/line_source.h"
 #include "output/list_file.h"
 #include "symbols/expression.h"
 #include "textlang/conditional.h"

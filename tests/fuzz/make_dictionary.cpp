@@ -23,8 +23,8 @@
 
 #include "directives/definitions.h"
 #include "directives/segments.h"
-#include "driver/keywords.h"
-#include "driver/options.h"
+#include "core/keyword_tables.h"
+#include "core/option_keywords.h"
 #include "isa/encoder.h"
 #include "isa/predefined.h"
 #include "symbols/symbols.h"

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "driver/keywords.h"
-#include "driver/options.h"
+#include "core/keyword_tables.h"
+#include "core/option_keywords.h"
 #include "isa/encoder.h"
 #include "core/keyword_index.h"
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "core/assembler.h"
-#include "driver/options.h"
+#include "core/option_keywords.h"
 
 namespace ta51 {
 namespace {

@@ -1,4 +1,5 @@
-// Keyword tables of the statement dispatcher, searched in a fixed order.
+// Keyword tables of the statement dispatcher, searched in a fixed order. They
+// are data of the language, so every subsystem may read them.
 #pragma once
 
 #include <cstdint>

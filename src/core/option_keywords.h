@@ -1,4 +1,6 @@
 // Option keywords: command line, OPT statements and alone as a statement.
+// The driver owns the table and its effects; OPT and the list controls use
+// them from here.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "driver/keywords.h"
+#include "core/keyword_tables.h"
 
 #include "core/keyword_index.h"
 
