@@ -199,13 +199,15 @@ void ResetPassState(Assembler& as) {
 }
 
 void AssembleFile(Assembler& as) {
-  as.AssemblyStarted = true;
   SetOptionFlag(as, as.opt.PredefinedSymbolsEnabled, 1);
   EnterAllPredefinedSymbols(as, false);
   as.DebugFileSeen = false;
   as.CurrentFileName = FullPath(as.SourceName);
   as.SourceStream = InputFile::Open(as.CurrentFileName);
   if (as.SourceStream == nullptr) FatalExit(as, "Cannot open source file", as.CurrentFileName);
+  // Only now is the object name surely the object of this source: a typed
+  // word taken for the source must not cost the file named after it.
+  as.AssemblyStarted = true;
   OpenListFile(as);
   as.SizeFile = OpenTemporary(as, as.SizeFileName, as.SizeFileExists);
   if (as.SourceName.find("zvtmp") == std::string::npos) std::fprintf(as.console.out, "%s\n", as.SourceName.c_str());

@@ -77,6 +77,11 @@ TEST_F(Driver, ErrorMessageEchoAndFailedRunRemovesObject) {
   EXPECT_NE(Read("bad.LST").find(message), std::string::npos);
   EXPECT_FALSE(Exists("bad.OBJ"));
   EXPECT_FALSE(TemporaryFilesLeft());
+  // An option word given without its dash is taken for the source; the
+  // program, next on the line, is the object name and must survive.
+  Write("prog.asm", " NOP\n");
+  EXPECT_EQ(Run({"MEX", "prog.asm;"}).status, 1);
+  EXPECT_EQ(Read("prog.asm"), " NOP\n");
 }
 
 TEST_F(Driver, WarningStatusUnderZvedAndWx) {
