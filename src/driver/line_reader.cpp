@@ -48,15 +48,19 @@ bool ConsumeLineBreak(InputFile& in, int first) {
 }
 
 // One physical line, with continuation lines joined, into the accumulator.
+// False only when the file had nothing left.
 bool ReadPhysicalLine(Assembler& as) {
   std::string& text = as.Accumulator;
   text.clear();
   InputFile& in = *as.SourceStream;
-  bool continuation = false;
-  int c = in.Get();
-  if (c == InputFile::kEnd) return false;
-  for (;; c = in.Get()) {
-    if (c == InputFile::kEnd) return true;
+  bool continuation = false;  // blanks at the start of a joined line are dropped
+  bool consumed = false;
+  for (;;) {
+    if (!continuation && in.AppendPlainRun(text) != 0) consumed = true;
+    if (text.size() > kMaxLineLength) RejectInput(as, "source line longer than 65536 characters");
+    int c = in.Get();
+    if (c == InputFile::kEnd) return consumed;
+    consumed = true;
     if (c == '\r' || c == '\n') {
       bool more = ConsumeLineBreak(in, c);
       if (text.empty() || !more || text.back() != '\\') return true;
@@ -69,7 +73,6 @@ bool ReadPhysicalLine(Assembler& as) {
     if (continuation && IsWhiteSpace(static_cast<char>(c))) continue;
     continuation = false;
     text += static_cast<char>(c);
-    if (text.size() > kMaxLineLength) RejectInput(as, "source line longer than 65536 characters");
   }
 }
 
@@ -148,7 +151,7 @@ bool FetchLine(Assembler& as) {
     ++as.LineNumber;
     // The percent filter and the C-style directives act here as well.
   }
-  as.Line.text = as.Accumulator;
+  as.Line.text.swap(as.Accumulator);  // the accumulator is refilled next time
   if (as.SequenceNumbered) TakeSequenceNumber(as);
   SetLineFlags(as);
   return true;

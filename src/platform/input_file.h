@@ -29,6 +29,19 @@ class InputFile {
     return static_cast<unsigned char>(buffer_[position_++]);
   }
   void Unget(int c) { pushedBack_ = c; }
+  // Appends the buffered bytes before the next carriage return, line feed or
+  // NUL to `text`, so that a line costs a scan rather than a call per byte;
+  // returns how many were taken (0 at a special byte or an empty buffer).
+  size_t AppendPlainRun(std::string& text) {
+    if (pushedBack_ != kNone) return 0;
+    const char* begin = buffer_.data() + position_;
+    const char* end = buffer_.data() + filled_;
+    const char* stop = begin;
+    while (stop != end && *stop != '\n' && *stop != '\r' && *stop != '\0') ++stop;
+    text.append(begin, stop);
+    position_ += static_cast<size_t>(stop - begin);
+    return static_cast<size_t>(stop - begin);
+  }
   void Rewind();
 
  private:
