@@ -20,10 +20,14 @@ std::string Repeat(const std::string& text, int times) {
 }
 
 // The load records of an object module, each ended by one blank.
+// The load records of an object module: the lines that begin with "LR" (the
+// module head holds the run directory, whose random name may contain "LR").
 std::string LoadRecords(const std::string& object) {
   std::string records;
-  for (size_t at = object.find("LR"); at != std::string::npos; at = object.find("LR", at + 1))
-    records += object.substr(at, object.find('\r', at) - at) + " ";
+  for (size_t at = 0; at < object.size(); at = object.find('\n', at) + 1) {
+    if (object.compare(at, 2, "LR") == 0) records += object.substr(at, object.find('\r', at) - at) + " ";
+    if (object.find('\n', at) == std::string::npos) break;
+  }
   return records;
 }
 
