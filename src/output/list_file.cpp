@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdarg>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -26,13 +27,25 @@ struct FieldText {
 };
 
 // What one listed line carries from row to row.
+// Its text is gathered in `pending` and goes to the stream in one write per
+// row: many small writes cost more than the text itself.
 struct ListRow {
   explicit ListRow(Assembler& assembler) : as(assembler) {}
+  ListRow(const ListRow&) = delete;
+  ListRow& operator=(const ListRow&) = delete;
+  ~ListRow() { Flush(); }
+
+  void Flush() {
+    if (used != 0) fwrite_unlocked(pending, 1, used, as.ListStream);
+    used = 0;
+  }
 
   Assembler& as;
   int32_t Column = 0;
   int32_t TargetColumn = 0;
   FieldText Fields[kFieldCount];
+  char pending[512];
+  size_t used = 0;
 
   bool AnyTextLeft() const {
     return std::any_of(std::begin(Fields), std::end(Fields), [](const FieldText& f) { return f.text != kNoText; });
@@ -56,16 +69,35 @@ __attribute__((format(printf, 1, 2))) std::string Format(const char* format, ...
 
 void Write(Assembler& as, std::string_view text) { fwrite_unlocked(text.data(), 1, text.size(), as.ListStream); }
 
-// The listing writes character by character into the stream's own buffer;
-// the unlocked form costs no more than a store.
 void Put(ListRow& row, char c) {
-  putc_unlocked(c, row.as.ListStream);
+  if (row.used == sizeof row.pending) row.Flush();
+  row.pending[row.used++] = c;
   ++row.Column;
 }
 
 void Put(ListRow& row, std::string_view text) {
-  Write(row.as, text);
+  if (text.size() > sizeof row.pending - row.used) {
+    row.Flush();
+    if (text.size() > sizeof row.pending) {
+      Write(row.as, text);
+      row.Column += static_cast<int32_t>(text.size());
+      return;
+    }
+  }
+  std::memcpy(row.pending + row.used, text.data(), text.size());
+  row.used += text.size();
   row.Column += static_cast<int32_t>(text.size());
+}
+
+// Ends the row's text, then what writes straight to the stream may follow.
+void EndRowThenBlankLine(ListRow& row) {
+  row.Flush();
+  ListBlankLine(row.as);
+}
+
+void NewPageForRow(ListRow& row) {
+  row.Flush();
+  NewPage(row.as);
 }
 
 constexpr char kHexDigits[] = "0123456789ABCDEF";
@@ -136,13 +168,13 @@ int32_t WriteField(ListRow& row, const FieldText& field, bool first) {
     end = std::min(end, static_cast<int32_t>(line.text.size()));
     while (end > text && IsFieldBreak(line.At(end - 1))) --end;
   }
-  if (row.as.ListLineLimit <= 0 && end > text) {
-    // No limit can cut the field: one write for all of it.
-    Put(row, std::string_view(line.text.data() + text, static_cast<size_t>(end - text)));
-    return kNoText;
-  }
+  // As many characters at once as the line limit leaves room for; at least
+  // one, for the padding may already have reached the limit.
   for (int32_t at = text; at < end;) {
-    Put(row, line.At(at++));
+    int32_t count = end - at;
+    if (row.as.ListLineLimit > 0) count = std::max(1, std::min(count, row.as.ListLineLimit - row.Column));
+    Put(row, std::string_view(line.text.data() + at, static_cast<size_t>(count)));
+    at += count;
     if (LimitReached(row.as, row.Column)) return at < end ? at : kNoText;
   }
   return kNoText;
@@ -223,7 +255,7 @@ void WriteByteRows(ListRow& row) {
   if (!as.SavedBytesFlag || as.CodeLength < 4) return;
   uint32_t address = static_cast<uint32_t>(as.LineValue);
   for (int32_t next = 3; next < as.CodeLength; next += 3) {
-    if (as.LineCount >= as.PageLength) NewPage(as);
+    if (as.LineCount >= as.PageLength) NewPageForRow(row);
     address += 3;
     row.Column = 0;
     if (!as.CL) Put(row, "     ");
@@ -231,7 +263,7 @@ void WriteByteRows(ListRow& row) {
     PutAddress(row, address);
     WriteBytes(row, next, std::min(next + 3, as.CodeLength));
     WriteFields(row, true);
-    ListBlankLine(as);
+    EndRowThenBlankLine(row);
   }
 }
 
@@ -240,9 +272,9 @@ void WriteTextRows(ListRow& row) {
   Assembler& as = row.as;
   while (row.AnyTextLeft()) {
     row.Column = 0;
-    if (as.LineCount >= as.PageLength) NewPage(as);
+    if (as.LineCount >= as.PageLength) NewPageForRow(row);
     WriteFields(row, true);
-    ListBlankLine(as);
+    EndRowThenBlankLine(row);
   }
 }
 
@@ -274,13 +306,13 @@ void ListLine(Assembler& as) {
   ListRow row(as);
   WriteNumberColumn(row);
   if (as.BlankLine) {
-    putc_unlocked('\n', as.ListStream);
+    Put(row, '\n');
     return;
   }
   WriteAddressAndBytes(row);
   SetUpFields(row);
   WriteFields(row, as.CommentLine);
-  putc_unlocked('\n', as.ListStream);
+  Put(row, '\n');
   WriteByteRows(row);
   WriteTextRows(row);
 }
