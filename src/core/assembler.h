@@ -15,6 +15,7 @@
 #include "directives/control_state.h"
 #include "directives/segment_entry.h"
 #include "platform/input_file.h"
+#include "platform/platform.h"
 #include "symbols/symbol_table.h"
 #include "textlang/conditional_state.h"
 #include "textlang/macro_state.h"
@@ -112,6 +113,7 @@ struct Assembler {
   std::string SourceName, ObjectName, ListName;
   std::string CurrentFileName;
   std::unique_ptr<InputFile> SourceStream;
+  StreamBuffers Buffers;  // of the streams below; freed after they are closed
   FILE* ListStream = nullptr;
   bool ListIsConsole = false;  // ListName is "CON.LST"
   FILE* SizeFile = nullptr;

@@ -2,6 +2,7 @@
 // object file put together from its head and the body of the second pass.
 #include <cctype>
 #include <cstdio>
+#include <vector>
 
 #include "directives/segments.h"
 #include "core/diagnostics.h"
@@ -25,11 +26,11 @@ void OpenListFile(Assembler& as) {
   }
   as.ListStream = std::fopen(as.ListName.c_str(), "w");
   if (as.ListStream == nullptr) FatalExit(as, "Cannot open list file", as.ListName);
-  std::setvbuf(as.ListStream, nullptr, _IOFBF, kStreamBufferSize);
+  as.Buffers.Attach(as.ListStream);
 }
 
 FILE* OpenTemporary(Assembler& as, std::string& name, bool& exists) {
-  FILE* file = CreateTemporaryFile(name);
+  FILE* file = CreateTemporaryFile(name, as.Buffers);
   if (file == nullptr) FatalExit(as, "Cannot create temporary filename");
   exists = true;
   return file;
@@ -98,7 +99,7 @@ void RunSecondPass(Assembler& as) {
   if (as.opt.OBJ) {
     as.FinalObjectStream = std::fopen(as.ObjectName.c_str(), "wb");
     if (as.FinalObjectStream == nullptr) FatalExit(as, "Can't open object file", as.ObjectName);
-    std::setvbuf(as.FinalObjectStream, nullptr, _IOFBF, kStreamBufferSize);
+    as.Buffers.Attach(as.FinalObjectStream);
     as.BodyFile = OpenTemporary(as, as.BodyFileName, as.BodyFileExists);
     as.ObjectStream = as.BodyFile;
   }
@@ -127,15 +128,16 @@ void AppendFile(Assembler& as, const std::string& objectName, const std::string&
     std::fputs("Cannot open file\n", as.console.out);
     Terminate(as, false);
   }
-  std::setvbuf(object, nullptr, _IOFBF, 8192);
-  std::setvbuf(body, nullptr, _IOFBF, 8192);
-  char block[512];
+  // Large blocks and no stream buffers: one system call per block each way.
+  std::setvbuf(object, nullptr, _IONBF, 0);
+  std::setvbuf(body, nullptr, _IONBF, 0);
+  std::vector<char> block(kStreamBufferSize);
   size_t got;
   bool failed = false;
   do {
-    got = std::fread(block, 1, sizeof block, body);
-    if (std::fwrite(block, 1, got, object) != got) failed = true;
-  } while (got == sizeof block);
+    got = std::fread(block.data(), 1, block.size(), body);
+    if (std::fwrite(block.data(), 1, got, object) != got) failed = true;
+  } while (got == block.size());
   if (std::fclose(object) != 0) failed = true;
   std::fclose(body);
   if (failed) ReportError(as, 25, false);

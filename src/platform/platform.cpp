@@ -49,7 +49,12 @@ bool FileExists(const std::string& path) {
 
 const char* GetEnvironment(const char* name) { return std::getenv(name); }
 
-FILE* CreateTemporaryFile(std::string& name) {
+void StreamBuffers::Attach(FILE* stream) {
+  buffers_.push_back(std::make_unique<char[]>(kStreamBufferSize));
+  std::setvbuf(stream, buffers_.back().get(), _IOFBF, kStreamBufferSize);
+}
+
+FILE* CreateTemporaryFile(std::string& name, StreamBuffers& buffers) {
   char pattern[] = "./zvtmpXXXXXX";
   int descriptor = mkstemp(pattern);
   if (descriptor < 0) {
@@ -64,7 +69,7 @@ FILE* CreateTemporaryFile(std::string& name) {
     return nullptr;
   }
   name = pattern;
-  std::setvbuf(file, nullptr, _IOFBF, kStreamBufferSize);
+  buffers.Attach(file);
   return file;
 }
 

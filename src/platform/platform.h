@@ -3,13 +3,27 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace ta51 {
 
 // Buffer of the output streams: large enough that a run writes to the
 // operating system in few calls.
 constexpr size_t kStreamBufferSize = 1 << 16;
+
+// The buffers of a run's streams. The C library takes the size of a buffer
+// only together with the buffer itself (given none, it picks a page), so the
+// run hands each stream one of its own; they live until the run ends, after
+// the streams are closed.
+class StreamBuffers {
+ public:
+  void Attach(FILE* stream);
+
+ private:
+  std::vector<std::unique_ptr<char[]>> buffers_;
+};
 
 struct PathParts {
   std::string drive;      // "C:" or empty
@@ -29,7 +43,7 @@ bool FileExists(const std::string& path);
 const char* GetEnvironment(const char* name);
 // Makes a unique file "zvtmpXXXXXX" in the current directory and opens it
 // for reading and writing. Returns nullptr and leaves `name` empty on failure.
-FILE* CreateTemporaryFile(std::string& name);
+FILE* CreateTemporaryFile(std::string& name, StreamBuffers& buffers);
 // The time of the run in the 24 characters of the ctime form. The variable
 // SOURCE_DATE_EPOCH, when set, fixes it, so that listings can be reproduced.
 std::string RunTimeText();
