@@ -3,6 +3,7 @@
 namespace ta51 {
 
 Assembler::~Assembler() {
+  FlushListBuffer(*this);
   // ObjectStream is never owned: it names the body file or the final object.
   for (FILE* file : {SizeFile, BodyFile, FinalObjectStream}) {
     if (file != nullptr) std::fclose(file);

@@ -41,8 +41,10 @@ struct LineCursor {
   std::string text;
   int32_t offset = 0;
 
+  // The zero behind the text is read as the end, like any place past it; a
+  // negative position wraps to a huge one.
   char At(int32_t position) const {
-    return position >= 0 && static_cast<size_t>(position) < text.size() ? text[position] : '\0';
+    return static_cast<uint32_t>(position) <= text.size() ? text.data()[position] : '\0';
   }
   char Peek() const { return At(offset); }
   const char* Here() const { return Pointer(offset); }
@@ -82,6 +84,15 @@ struct Console {
   FILE* in = stdin;
 };
 
+// The list file's text gathers here and reaches its stream in large writes:
+// many small writes cost more than the text itself. Whatever else writes to
+// the list stream empties it first (FlushListBuffer).
+struct ListBuffer {
+  static constexpr size_t kCapacity = 1 << 16;
+  std::unique_ptr<char[]> data = std::make_unique<char[]>(kCapacity);
+  size_t used = 0;
+};
+
 struct Assembler {
   explicit Assembler(Console streams) : console(streams) {}
   Assembler(const Assembler&) = delete;
@@ -115,6 +126,7 @@ struct Assembler {
   std::unique_ptr<InputFile> SourceStream;
   StreamBuffers Buffers;  // of the streams below; freed after they are closed
   FILE* ListStream = nullptr;
+  ListBuffer ListPending;  // text of ListStream not yet handed to it
   bool ListIsConsole = false;  // ListName is "CON.LST"
   FILE* SizeFile = nullptr;
   std::string SizeFileName;
@@ -227,5 +239,12 @@ struct Assembler {
   std::string MessageBuffer;
   std::string UndefinedPublicName;  // handed over for error 73
 };
+
+// Hands the gathered list text to the list stream.
+inline void FlushListBuffer(Assembler& as) {
+  ListBuffer& buffer = as.ListPending;
+  if (buffer.used != 0 && as.ListStream != nullptr) std::fwrite(buffer.data.get(), 1, buffer.used, as.ListStream);
+  buffer.used = 0;
+}
 
 }  // namespace ta51

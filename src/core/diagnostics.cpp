@@ -33,6 +33,7 @@ void EmitMessage(Assembler& as, bool addNewline) {
   if (as.ListStream == nullptr) return;
   // The list file is flushed only where its order with the console shows:
   // on the console itself, at a fatal stop and at the end of the run.
+  FlushListBuffer(as);
   WriteText(as.ListStream, as.MessageBuffer);
   if (!ConsoleCopyWanted(as)) return;
   WriteText(as.console.out, as.MessageBuffer);
@@ -98,6 +99,7 @@ void ReportWarning(Assembler& as, int number) {
 }
 
 void FatalExit(Assembler& as, std::string_view text, std::string_view detail) {
+  FlushListBuffer(as);
   FILE* stream = as.console.out;
   if (as.ZvedCount != 0 || as.CL) stream = as.ListStream != nullptr ? as.ListStream : as.console.err;
   std::string message(text);

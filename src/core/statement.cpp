@@ -11,11 +11,6 @@ bool TailIsComment(const LineCursor& line) {
   return c == '/' && (next == '*' || next == '/');
 }
 
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-bool IsWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-void SkipBlanks(Assembler& as) {
-  while (IsBlank(as.Line.Peek())) ++as.Line.offset;
-}
 
 // Blanks may stand between the operands and a comment, but nothing else:
 // `MOV A,R0 X` is refused although the register reader stops at the blank.

@@ -22,9 +22,13 @@ enum : int {
   kResultListed = 13,
 };
 
-bool IsBlank(char c);        // space or tab
-bool IsWhiteSpace(char c);   // the C classification
-void SkipBlanks(Assembler& as);
+// Every character of every line passes these, so they are inline.
+inline bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+inline bool IsWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }  // the C classification
+inline void SkipBlanks(Assembler& as) {
+  LineCursor& line = as.Line;
+  while (IsBlank(line.Peek())) ++line.offset;
+}
 // True when the cursor stands on what may end the operands: a blank, a
 // comment or the end of the line.
 bool TailIsComment(const LineCursor& line);

@@ -76,28 +76,23 @@ bool ReadPhysicalLine(Assembler& as) {
   }
 }
 
-bool OnlyWhiteSpaceBefore(const std::string& text, size_t position) {
-  for (size_t i = 0; i < position; ++i)
-    if (!IsWhiteSpace(text[i])) return false;
-  return true;
-}
-
 // Lines that are wholly comment are dropped; `inComment` carries an open
-// comment from line to line within one call.
+// comment from line to line within one call. A comment line is one whose
+// first character that is not white space opens a comment, so only the
+// start of the line is looked at. The line that closes a comment is dropped
+// unless a new comment opens behind the close.
 bool IsDroppedAsComment(const std::string& text, bool& inComment) {
-  size_t open = text.find("/*");
   if (inComment) {
     size_t close = text.find("*/");
     if (close == std::string::npos) return true;
     inComment = false;
-    open = text.find("/*", close);
-    if (open == std::string::npos) return true;
+    return text.find("/*", close) == std::string::npos;
   }
-  if (open != std::string::npos && OnlyWhiteSpaceBefore(text, open)) {
-    if (text.find("*/", open + 2) == std::string::npos) inComment = true;
-    return true;
-  }
-  return inComment;
+  size_t first = 0;
+  while (first < text.size() && IsWhiteSpace(text[first])) ++first;
+  if (text.compare(first, 2, "/*") != 0) return false;
+  if (text.find("*/", first + 2) == std::string::npos) inComment = true;
+  return true;
 }
 
 // A sequence-numbered line starts with its number and one blank; the text
@@ -124,8 +119,11 @@ void TakeSequenceNumber(Assembler& as) {
 
 void SetLineFlags(Assembler& as) {
   const std::string& text = as.Line.text;
-  as.CommentLine = (!text.empty() && text[0] == ';') || text.rfind("//", 0) == 0;
-  as.BlankLine = text.find_first_not_of(" \t\n") == std::string::npos;
+  const char first = text.empty() ? '\0' : text[0];
+  as.CommentLine = first == ';' || (first == '/' && text.size() > 1 && text[1] == '/');
+  size_t at = 0;
+  while (at < text.size() && (IsBlank(text[at]) || text[at] == '\n')) ++at;
+  as.BlankLine = at == text.size();
   if (as.BlankLine) as.ShowLineValue = false;
 }
 

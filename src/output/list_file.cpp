@@ -26,26 +26,21 @@ struct FieldText {
   int32_t width = 0;
 };
 
-// What one listed line carries from row to row.
-// Its text is gathered in `pending` and goes to the stream in one write per
-// row: many small writes cost more than the text itself.
+// What one listed line carries from row to row. Its text goes to the run's
+// list buffer; on the console, where it interleaves with messages, the
+// buffer is handed on when the line is done.
 struct ListRow {
   explicit ListRow(Assembler& assembler) : as(assembler) {}
   ListRow(const ListRow&) = delete;
   ListRow& operator=(const ListRow&) = delete;
-  ~ListRow() { Flush(); }
-
-  void Flush() {
-    if (used != 0) fwrite_unlocked(pending, 1, used, as.ListStream);
-    used = 0;
+  ~ListRow() {
+    if (as.ListIsConsole) FlushListBuffer(as);
   }
 
   Assembler& as;
   int32_t Column = 0;
   int32_t TargetColumn = 0;
   FieldText Fields[kFieldCount];
-  char pending[512];
-  size_t used = 0;
 
   bool AnyTextLeft() const {
     return std::any_of(std::begin(Fields), std::end(Fields), [](const FieldText& f) { return f.text != kNoText; });
@@ -67,38 +62,54 @@ __attribute__((format(printf, 1, 2))) std::string Format(const char* format, ...
   return text;
 }
 
-void Write(Assembler& as, std::string_view text) { fwrite_unlocked(text.data(), 1, text.size(), as.ListStream); }
+// Appends to the list buffer; text larger than the buffer goes straight on.
+void Write(Assembler& as, std::string_view text) {
+  ListBuffer& buffer = as.ListPending;
+  if (text.size() > ListBuffer::kCapacity - buffer.used) {
+    FlushListBuffer(as);
+    if (text.size() > ListBuffer::kCapacity) {
+      std::fwrite(text.data(), 1, text.size(), as.ListStream);
+      return;
+    }
+  }
+  std::memcpy(buffer.data.get() + buffer.used, text.data(), text.size());
+  buffer.used += text.size();
+}
+
+void Write(Assembler& as, char c) {
+  ListBuffer& buffer = as.ListPending;
+  if (buffer.used == ListBuffer::kCapacity) FlushListBuffer(as);
+  buffer.data[buffer.used++] = c;
+}
+
+// Writes outside a listed line: on the console they go on at once.
+void WriteSettled(Assembler& as, std::string_view text) {
+  Write(as, text);
+  if (as.ListIsConsole) FlushListBuffer(as);
+}
 
 void Put(ListRow& row, char c) {
-  if (row.used == sizeof row.pending) row.Flush();
-  row.pending[row.used++] = c;
+  Write(row.as, c);
   ++row.Column;
 }
 
 void Put(ListRow& row, std::string_view text) {
-  if (text.size() > sizeof row.pending - row.used) {
-    row.Flush();
-    if (text.size() > sizeof row.pending) {
-      Write(row.as, text);
-      row.Column += static_cast<int32_t>(text.size());
-      return;
-    }
-  }
-  std::memcpy(row.pending + row.used, text.data(), text.size());
-  row.used += text.size();
+  Write(row.as, text);
   row.Column += static_cast<int32_t>(text.size());
 }
 
-// Ends the row's text, then what writes straight to the stream may follow.
-void EndRowThenBlankLine(ListRow& row) {
-  row.Flush();
-  ListBlankLine(row.as);
+void PutBlanks(ListRow& row, int32_t count) {
+  ListBuffer& buffer = row.as.ListPending;
+  if (static_cast<size_t>(count) > ListBuffer::kCapacity - buffer.used) FlushListBuffer(row.as);
+  std::memset(buffer.data.get() + buffer.used, ' ', static_cast<size_t>(count));
+  buffer.used += static_cast<size_t>(count);
+  row.Column += count;
 }
 
-void NewPageForRow(ListRow& row) {
-  row.Flush();
-  NewPage(row.as);
-}
+// Ends the row's text, then what writes straight to the stream may follow.
+void EndRowThenBlankLine(ListRow& row) { ListBlankLine(row.as); }
+
+void NewPageForRow(ListRow& row) { NewPage(row.as); }
 
 constexpr char kHexDigits[] = "0123456789ABCDEF";
 
@@ -143,13 +154,20 @@ bool IsFieldBreak(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\
 
 // Offset of the new line (or the end of the text) at or after `from`.
 int32_t LineEnd(const LineCursor& line, int32_t from) {
-  while (line.At(from) != '\n' && line.At(from) != '\0') ++from;
-  return from;
+  const std::string& text = line.text;
+  if (from < 0 || static_cast<size_t>(from) >= text.size()) return from;
+  const char* begin = text.data() + from;
+  size_t length = text.size() - static_cast<size_t>(from);
+  const void* newLine = std::memchr(begin, '\n', length);
+  if (newLine != nullptr) length = static_cast<size_t>(static_cast<const char*>(newLine) - begin);
+  const void* zero = std::memchr(begin, '\0', length);  // a zero ends the text too
+  if (zero != nullptr) length = static_cast<size_t>(static_cast<const char*>(zero) - begin);
+  return from + static_cast<int32_t>(length);
 }
 
 void PadToTarget(ListRow& row) {
   if (row.Column > row.TargetColumn) Put(row, ' ');
-  while (row.Column <= row.TargetColumn) Put(row, ' ');
+  if (row.Column <= row.TargetColumn) PutBlanks(row, row.TargetColumn - row.Column + 1);
 }
 
 // Writes one field from its text position; returns what the line limit left
@@ -284,16 +302,16 @@ void NewPage(Assembler& as) {
   ++as.PageNumber;
   if (as.opt.PAGE && as.ListStream != nullptr) {
     // On the console a form feed would only clear the screen.
-    std::fputc(as.ListIsConsole ? '\n' : '\f', as.ListStream);
+    Write(as, as.ListIsConsole ? '\n' : '\f');
     Write(as, Format("PAGE  %03d  %-40s %.24s\n", as.PageNumber, as.CurrentFileName.c_str(), as.RunTime.c_str()));
-    Write(as, Format("           %-15s   %s\n\n", as.ExplicitModuleName.c_str(), as.TitleText.c_str()));
+    WriteSettled(as, Format("           %-15s   %s\n\n", as.ExplicitModuleName.c_str(), as.TitleText.c_str()));
   }
   as.NewPageWanted = false;
   as.LineCount = 3;
 }
 
 void ListBlankLine(Assembler& as) {
-  if (as.ListStream != nullptr) std::fputc('\n', as.ListStream);
+  if (as.ListStream != nullptr) WriteSettled(as, "\n");
   ++as.LineCount;
 }
 
@@ -443,6 +461,7 @@ void ListSymbolTable(Assembler& as) {
   Write(as, Format("\n%d symbols.\n", total));
   as.LineCount += 2;
   WriteBanksUsed(as);
+  FlushListBuffer(as);
   std::fflush(as.ListStream);
 }
 

@@ -48,6 +48,7 @@ void SymbolTable::Clear() {
   scopeCount_ = 0;
   scopeCursor_ = 0;
   longestName_ = 0;
+  hasRegisterAliases_ = false;
   foldCase_ = false;
 }
 

@@ -131,6 +131,10 @@ class SymbolTable {
   void RewindFileScopes() { scopeCursor_ = 0; }
 
   size_t LongestName() const { return longestName_; }
+  // Whether a register alias (EQU or SET of a register) was ever defined;
+  // until then no operand needs to look one up.
+  bool HasRegisterAliases() const { return hasRegisterAliases_; }
+  void NoteRegisterAlias() { hasRegisterAliases_ = true; }
   size_t Size() const { return count_; }
 
  private:
@@ -159,6 +163,7 @@ class SymbolTable {
   uint32_t scopeCount_ = 0;  // scopes made by NewFileScope, numbered from 1
   uint32_t scopeCursor_ = 0;
   size_t longestName_ = 0;
+  bool hasRegisterAliases_ = false;
   bool foldCase_ = false;
 };
 

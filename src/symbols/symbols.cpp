@@ -15,7 +15,6 @@ constexpr std::array<std::string_view, 25> kReservedNames = {
     "SHL",  "SHR", "EQ", "NE", "LT", "LE", "GT", "GE", "NOT", "AND", "OR",   "XOR",
 };
 
-bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool NoCase(const Assembler& as) { return as.opt.NOCASE.Value() != 0; }
@@ -39,11 +38,6 @@ void SetTextFlag(Assembler& as, SymbolEntry& entry) {
 
 }  // namespace
 
-bool IsNameStart(char c) { return IsLetter(c) || c == '.' || c == '_' || c == '?'; }
-
-bool IsNameChar(char c) {
-  return IsLetter(c) || IsDigit(c) || c == '?' || c == '$' || c == '@' || c == '_' || c == '~';
-}
 
 int ReadName(Assembler& as, const char* text, bool allowDigit) {
   as.NameBuffer.clear();
@@ -101,6 +95,7 @@ void DefineSymbol(Assembler& as, const char* name, const SymbolDefinition& d) {
   }
   LookupSymbol(as, name, d.allowDigit);
   if (as.LineHasError) return;
+  if (d.type == T_REGEQU || d.type == T_REGSET) as.Symbols.NoteRegisterAlias();
   SymbolEntry* found = as.FoundSymbol;
   if (found == nullptr) {
     SymbolEntry entry;
@@ -182,6 +177,12 @@ int IsFreeLabelName(std::string_view text) {
 int MatchRegisterSymbol(Assembler& as, int low, int high) {
   const char* here = as.Line.Here();
   if (!IsNameStart(*here)) return 0;
+  if (!as.Symbols.HasRegisterAliases()) {
+    // Nothing to find; a name too long is still reported by ReadName.
+    size_t length = 1;
+    while (IsNameChar(here[length])) ++length;
+    if (length <= kMaxNameLength) return 0;
+  }
   if (!ReadName(as, here)) return 0;
   SymbolEntry* symbol = FindSymbol(as, as.NameBuffer);
   if (symbol == nullptr || (symbol->type != T_REGEQU && symbol->type != T_REGSET)) return 0;
