@@ -301,16 +301,26 @@ void AssembleLine(Assembler& as) {
 // from line to line).
 std::string_view ReadOpcodeWord(Assembler& as) {
   LineCursor& line = as.Line;
-  std::string& word = as.OpcodeWord;
-  word.clear();
-  int32_t start = line.offset;
+  const int32_t start = line.offset;
+  int32_t end = start;
   while (true) {
-    char c = line.Peek();
-    if (c == '\0' || IsWhiteSpace(c) || (c == '.' && line.offset != start) || (c == '(' && as.PercentDialect)) break;
-    word += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    if (word.size() == kOpcodeWordLimit) break;
-    ++line.offset;
+    char c = line.At(end);
+    if (c == '\0' || IsWhiteSpace(c) || (c == '.' && end != start) || (c == '(' && as.PercentDialect)) break;
+    // The word stops at its limit with the cursor on its last character.
+    if (end - start + 1 == static_cast<int32_t>(kOpcodeWordLimit)) {
+      line.offset = end;
+      ++end;
+      break;
+    }
+    line.offset = ++end;
   }
+  std::string& word = as.OpcodeWord;
+  if (end == start)
+    word.clear();  // the cursor may stand past the text
+  else
+    word.assign(line.text, static_cast<size_t>(start), static_cast<size_t>(end - start));
+  for (char& c : word)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
   return word;
 }
 

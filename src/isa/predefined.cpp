@@ -170,10 +170,20 @@ void EnterBankRegisters(Assembler& as, int bank) {
   }
 }
 
+// A (code 1) or R0..R7 (codes 2 to 9), in any case, followed by one of the
+// delimiters or the end of the line; the delimiter stays unread.
 int RegisterOperand(Assembler& as, std::string_view delimiters) {
-  for (int i = 0; i < kRegisterCodeNames; ++i) {
-    std::string pattern = std::string(kRegisterNames[i]) + '?';
-    if (MatchToken(as, pattern, delimiters)) return i + 1;
+  static_assert(kRegisterCodeNames == 9, "A and R0..R7");
+  const char* here = as.Line.Here();
+  auto ends = [delimiters](char c) { return c == '\0' || delimiters.find(c) != std::string_view::npos; };
+  char first = here[0] >= 'a' && here[0] <= 'z' ? static_cast<char>(here[0] - 32) : here[0];
+  if (first == 'A' && ends(here[1])) {
+    as.Line.offset += 1;
+    return 1;
+  }
+  if (first == 'R' && here[1] >= '0' && here[1] <= '7' && ends(here[2])) {
+    as.Line.offset += 2;
+    return 2 + (here[1] - '0');
   }
   return -1;
 }

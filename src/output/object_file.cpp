@@ -14,6 +14,8 @@ namespace ta51 {
 
 namespace {
 
+constexpr int kMaxInstructionLength = 3;
+
 int WriteRecordV(Assembler& as, const char* format, va_list arguments) {
   if (as.ObjectStream == nullptr) return -1;
   return std::vfprintf(as.ObjectStream, format, arguments);
@@ -226,6 +228,26 @@ void WriteLoadItem(Assembler& as, const uint8_t* bytes, int count, bool isField,
   (void)isField;
 }
 
+namespace {
+
+// The record of an instruction with no field for the linker, the most common
+// one, goes out in one write.
+void WritePlainLoadRecord(Assembler& as, const uint8_t* code, int length) {
+  if (!as.opt.OBJ) return;
+  static constexpr char kHexDigits[] = "0123456789ABCDEF";
+  char record[2 + 2 * kMaxInstructionLength + 3] = {'L', 'R'};
+  size_t used = 2;
+  for (int i = 0; i < length; ++i) {
+    record[used++] = kHexDigits[code[i] >> 4];
+    record[used++] = kHexDigits[code[i] & 15];
+  }
+  for (char c : {'.', '\r', '\n'}) record[used++] = c;
+  as.TotalBytes += static_cast<uint32_t>(length);
+  if (!WriteRaw(as, std::string_view(record, used))) ReportError(as, 25, false);
+}
+
+}  // namespace
+
 void EmitInstruction(Assembler& as) {
   // A statement of no bytes writes nothing, not even an empty record.
   if (as.CodeLength == 0) return;
@@ -234,7 +256,9 @@ void EmitInstruction(Assembler& as) {
   int length = as.CodeLength;
   const OperandSlot& one = as.OperandSlot1;
   const OperandSlot& two = as.OperandSlot2;
-  if (one.FixupOffset == 0 && two.FixupOffset == 0) {
+  if (one.FixupOffset == 0 && two.FixupOffset == 0 && length <= kMaxInstructionLength) {
+    WritePlainLoadRecord(as, code, length);
+  } else if (one.FixupOffset == 0 && two.FixupOffset == 0) {
     WriteLoadItem(as, code, length, false, true, true, nullptr);
   } else if (one.FixupOffset != 0 && two.FixupOffset != 0) {
     WriteLoadItem(as, code, one.FixupOffset, false, true, false, nullptr);
