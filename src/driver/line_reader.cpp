@@ -143,8 +143,10 @@ bool FetchLine(Assembler& as) {
   }
   bool inComment = false;
   while (true) {
-    if (!ReadPhysicalLine(as)) return false;
-    as.Accumulator += '\n';
+    if (!as.SourceStream->TakeSimpleLine(as.Accumulator)) {
+      if (!ReadPhysicalLine(as)) return false;
+      as.Accumulator += '\n';
+    }
     if (!IsDroppedAsComment(as.Accumulator, inComment)) break;
     ++as.LineNumber;
     // The percent filter and the C-style directives act here as well.

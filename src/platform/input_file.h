@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,7 +29,15 @@ class InputFile {
     if (position_ == filled_ && !Refill()) return kEnd;
     return static_cast<unsigned char>(buffer_[position_++]);
   }
-  void Unget(int c) { pushedBack_ = c; }
+  // Gives back the byte that Get returned last. It still stands in the
+  // buffer just before the read position, so stepping back is enough and the
+  // fast line reader stays usable.
+  void Unget(int c) {
+    if (position_ > 0 && static_cast<unsigned char>(buffer_[position_ - 1]) == c)
+      --position_;
+    else
+      pushedBack_ = c;
+  }
   // Appends the buffered bytes before the next carriage return, line feed or
   // NUL to `text`, so that a line costs a scan rather than a call per byte;
   // returns how many were taken (0 at a special byte or an empty buffer).
@@ -41,6 +50,24 @@ class InputFile {
     text.append(begin, stop);
     position_ += static_cast<size_t>(stop - begin);
     return static_cast<size_t>(stop - begin);
+  }
+  // Takes a whole line with its line feed into `text` when it is a simple
+  // one: ended by a lone line feed inside the buffer, with no carriage
+  // return, NUL or continuation backslash. False leaves everything as it was,
+  // for the byte-wise reader.
+  bool TakeSimpleLine(std::string& text) {
+    if (pushedBack_ != kNone) return false;
+    if (position_ == filled_ && !Refill()) return false;
+    const char* begin = buffer_.data() + position_;
+    const char* end = buffer_.data() + filled_;
+    const char* newLine = static_cast<const char*>(std::memchr(begin, '\n', static_cast<size_t>(end - begin)));
+    if (newLine == nullptr || newLine + 1 == end || newLine[1] == '\r') return false;
+    if (newLine != begin && newLine[-1] == '\\') return false;
+    for (const char* at = begin; at != newLine; ++at)
+      if (static_cast<unsigned char>(*at) <= '\r' && (*at == '\r' || *at == '\0')) return false;
+    text.assign(begin, newLine + 1);
+    position_ += static_cast<size_t>(newLine + 1 - begin);
+    return true;
   }
   void Rewind();
 

@@ -91,11 +91,48 @@ class Evaluator {
 
   void AppendOperator(int code) { Append(OperatorText(code)); }
 
-  // Levels 1 to 4 and 6; level 5 has its own loop, level 7 is the primary.
+  // An expression of the operators of `level` and above. Levels 1 to 4 are
+  // read by precedence climbing over additive operands, so that a plain
+  // operand does not pass through a call per level; level 5 has its own
+  // loop, level 6 is the product and level 7 the primary.
   int32_t Binary(int level) {
     if (level == 5) return Additive();
     if (level == 7) return Primary();
-    int32_t left = Binary(level + 1);
+    if (level == 6) return Product();
+    return Climb(Additive(), level);
+  }
+
+  // Applies the operators of levels `level` to 4 that follow `left`, the
+  // tighter ones first, each level from left to right.
+  int32_t Climb(int32_t left, int level) {
+    while (!as_.LineHasError) {
+      const int found = BinaryLevel(as_.ExprToken);
+      if (found < level || found > 4) break;
+      int op = as_.ExprToken;
+      as_.ExprAdditiveOnly = false;
+      as_.ExprOperated = true;
+      SegmentEntry* leftSegment = expr_.TermSegment;
+      AppendOperator(op);
+      bool leftAbsolute = expr_.LeftIsAbsolute;
+      int32_t count = as_.ExprRelocCount;
+      int32_t right = Additive();
+      if (!as_.LineHasError && found < 4) right = Climb(right, found + 1);
+      if (as_.LineHasError) return 0;
+      if (leftAbsolute && count == as_.ExprRelocCount) {
+        if (!Apply(op, left, right, left)) return 0;
+      } else {
+        left = right;  // the linker computes it from the text
+      }
+      expr_.LoneCandidate = false;
+      CheckSimpleReloc(op, leftSegment);
+    }
+    return as_.LineHasError ? 0 : left;
+  }
+
+  // Level 6: "*", "/", MOD, SHL and SHR over primaries.
+  int32_t Product() {
+    const int level = 6;
+    int32_t left = Primary();
     while (!as_.LineHasError && BinaryLevel(as_.ExprToken) == level) {
       int op = as_.ExprToken;
       as_.ExprAdditiveOnly = false;
@@ -104,7 +141,7 @@ class Evaluator {
       AppendOperator(op);
       bool leftAbsolute = expr_.LeftIsAbsolute;
       int32_t count = as_.ExprRelocCount;
-      int32_t right = Binary(level + 1);
+      int32_t right = Primary();
       if (as_.LineHasError) return 0;
       if (leftAbsolute && count == as_.ExprRelocCount) {
         if (!Apply(op, left, right, left)) return 0;
@@ -313,7 +350,15 @@ class Evaluator {
   // Takes digits of `radix` into `run`; returns the token that stopped it.
   int ReadRun(std::string& run, int radix) {
     for (;;) {
-      int token = ScanToken(as_, false);
+      // No operator starts with a decimal digit, so a digit needs no scan.
+      char next = as_.Line.Peek();
+      int token;
+      if (next >= '0' && next <= '9') {
+        ++as_.Line.offset;
+        token = as_.ExprToken = next;
+      } else {
+        token = ScanToken(as_, false);
+      }
       if (DigitValue(token) >= radix) return token;
       run.push_back(static_cast<char>(token));
       if (run.size() > 32) {
