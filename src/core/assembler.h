@@ -89,7 +89,7 @@ struct Console {
 // the list stream empties it first (FlushListBuffer).
 struct ListBuffer {
   static constexpr size_t kCapacity = 1 << 16;
-  std::unique_ptr<char[]> data = std::make_unique<char[]>(kCapacity);
+  std::unique_ptr<char[]> data = std::make_unique_for_overwrite<char[]>(kCapacity);
   size_t used = 0;
 };
 

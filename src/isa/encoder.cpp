@@ -1,5 +1,6 @@
 #include "isa/encoder.h"
 
+#include <array>
 #include <cstdio>
 
 #include "core/diagnostics.h"
@@ -86,6 +87,15 @@ constexpr HandlerRange kHandlers[] = {
     {44, 44, EncodeMov},             // MOV
 };
 
+// The handler of each mnemonic position, found by index rather than by a
+// search of the ranges.
+constexpr auto kHandlerOfPosition = [] {
+  std::array<FormHandler, std::size(kMnemonicRows)> handlers{};
+  for (const HandlerRange& range : kHandlers)
+    for (int position = range.first; position <= range.last; ++position) handlers[static_cast<size_t>(position)] = range.handler;
+  return handlers;
+}();
+
 // The length the first pass chose; the stream advances at every instruction
 // so that it stays in step with the source.
 int ReadSizeByte(Assembler& as) {
@@ -128,13 +138,12 @@ int EncodeInstruction(Assembler& as, uint8_t baseOpcode, int position) {
   as.OperandOffset = as.Line.offset;
   // NOP, RET and RETI have no operand field for macro arguments.
   if (position >= 3 && as.InMacroExpansion) SubstituteParameters(as, as.Line.offset, true);
-  for (const HandlerRange& range : kHandlers) {
-    if (position >= range.first && position <= range.last) {
-      int result = range.handler(statement);
-      return as.LineHasError ? 0 : result;
-    }
-  }
-  return ReportError(as, 26);
+  FormHandler handler = position >= 0 && static_cast<size_t>(position) < kHandlerOfPosition.size()
+                            ? kHandlerOfPosition[static_cast<size_t>(position)]
+                            : nullptr;
+  if (handler == nullptr) return ReportError(as, 26);
+  int result = handler(statement);
+  return as.LineHasError ? 0 : result;
 }
 
 }  // namespace ta51

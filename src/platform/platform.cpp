@@ -50,7 +50,7 @@ bool FileExists(const std::string& path) {
 const char* GetEnvironment(const char* name) { return std::getenv(name); }
 
 void StreamBuffers::Attach(FILE* stream) {
-  buffers_.push_back(std::make_unique<char[]>(kStreamBufferSize));
+  buffers_.push_back(std::make_unique_for_overwrite<char[]>(kStreamBufferSize));
   std::setvbuf(stream, buffers_.back().get(), _IOFBF, kStreamBufferSize);
 }
 

@@ -84,7 +84,7 @@ void SymbolTable::Grow() {
 std::string_view SymbolTable::StoreName(std::string_view name) {
   size_t needed = name.size() + 1;
   if (arenaUsed_ + needed > kArenaBlock) {
-    arena_.push_back(std::make_unique<char[]>(std::max(kArenaBlock, needed)));
+    arena_.push_back(std::make_unique_for_overwrite<char[]>(std::max(kArenaBlock, needed)));
     arenaUsed_ = 0;
   }
   char* stored = arena_.back().get() + arenaUsed_;

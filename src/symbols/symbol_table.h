@@ -138,7 +138,7 @@ class SymbolTable {
   size_t Size() const { return count_; }
 
  private:
-  static constexpr uint32_t kChunkShift = 12;
+  static constexpr uint32_t kChunkShift = 9;  // small chunks: a chunk is touched whole when made
   static constexpr uint32_t kChunkSize = 1u << kChunkShift;
   static constexpr size_t kArenaBlock = 64 * 1024;
 
