@@ -133,7 +133,7 @@ void PutAddress(ListRow& row, uint32_t value) {
 
 // A decimal number right-aligned in `width` columns, with `fill` before it;
 // wider numbers take the room they need.
-void PutDecimal(ListRow& row, uint64_t value, int width, char fill) {
+void PutDecimal(ListRow& row, uint32_t value, int width, char fill) {
   char text[24];
   int at = sizeof text;
   do {
