@@ -108,50 +108,44 @@ class Evaluator {
     while (!as_.LineHasError) {
       const int found = BinaryLevel(as_.ExprToken);
       if (found < level || found > 4) break;
-      int op = as_.ExprToken;
-      as_.ExprAdditiveOnly = false;
-      as_.ExprOperated = true;
-      SegmentEntry* leftSegment = expr_.TermSegment;
-      AppendOperator(op);
-      bool leftAbsolute = expr_.LeftIsAbsolute;
-      int32_t count = as_.ExprRelocCount;
-      int32_t right = Additive();
-      if (!as_.LineHasError && found < 4) right = Climb(right, found + 1);
-      if (as_.LineHasError) return 0;
-      if (leftAbsolute && count == as_.ExprRelocCount) {
-        if (!Apply(op, left, right, left)) return 0;
-      } else {
-        left = right;  // the linker computes it from the text
-      }
-      expr_.LoneCandidate = false;
-      CheckSimpleReloc(op, leftSegment);
+      auto readRight = [this, found] {
+        int32_t right = Additive();
+        return !as_.LineHasError && found < 4 ? Climb(right, found + 1) : right;
+      };
+      if (!Combine(left, readRight)) return 0;
     }
     return as_.LineHasError ? 0 : left;
   }
 
   // Level 6: "*", "/", MOD, SHL and SHR over primaries.
   int32_t Product() {
-    const int level = 6;
     int32_t left = Primary();
-    while (!as_.LineHasError && BinaryLevel(as_.ExprToken) == level) {
-      int op = as_.ExprToken;
-      as_.ExprAdditiveOnly = false;
-      as_.ExprOperated = true;
-      SegmentEntry* leftSegment = expr_.TermSegment;
-      AppendOperator(op);
-      bool leftAbsolute = expr_.LeftIsAbsolute;
-      int32_t count = as_.ExprRelocCount;
-      int32_t right = Primary();
-      if (as_.LineHasError) return 0;
-      if (leftAbsolute && count == as_.ExprRelocCount) {
-        if (!Apply(op, left, right, left)) return 0;
-      } else {
-        left = right;  // the linker computes it from the text
-      }
-      expr_.LoneCandidate = false;
-      CheckSimpleReloc(op, leftSegment);
-    }
+    while (!as_.LineHasError && BinaryLevel(as_.ExprToken) == 6)
+      if (!Combine(left, [this] { return Primary(); })) return 0;
     return as_.LineHasError ? 0 : left;
+  }
+
+  // The operator at the token between `left` and the operand that
+  // `readRight` reads; false after an error.
+  template <typename ReadRight>
+  bool Combine(int32_t& left, ReadRight readRight) {
+    int op = as_.ExprToken;
+    as_.ExprAdditiveOnly = false;
+    as_.ExprOperated = true;
+    SegmentEntry* leftSegment = expr_.TermSegment;
+    AppendOperator(op);
+    bool leftAbsolute = expr_.LeftIsAbsolute;
+    int32_t count = as_.ExprRelocCount;
+    int32_t right = readRight();
+    if (as_.LineHasError) return false;
+    if (leftAbsolute && count == as_.ExprRelocCount) {
+      if (!Apply(op, left, right, left)) return false;
+    } else {
+      left = right;  // the linker computes it from the text
+    }
+    expr_.LoneCandidate = false;
+    CheckSimpleReloc(op, leftSegment);
+    return true;
   }
 
   int32_t Additive() {
