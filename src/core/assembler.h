@@ -17,6 +17,7 @@
 #include "platform/input_file.h"
 #include "symbols/symbol_table.h"
 #include "textlang/conditional_state.h"
+#include "textlang/cstyle_state.h"
 #include "textlang/macro_state.h"
 
 namespace ta51 {
@@ -220,6 +221,9 @@ struct Assembler {
 
   // --- MACRO language ---------------------------------------------------------
   MacroState Macros;
+
+  // --- C-style preprocessor -------------------------------------------------
+  CStyleProcessor CStyle;
 
   // --- Diagnostics ----------------------------------------------------------
   std::string MessageBuffer;

@@ -13,6 +13,7 @@
 #include "platform/platform.h"
 #include "symbols/symbols.h"
 #include "isa/predefined.h"
+#include "textlang/cstyle.h"
 
 namespace ta51 {
 
@@ -81,6 +82,7 @@ void RunFirstPass(Assembler& as) {
   as.NextDebugNumber = as.NextDebugTypeNumber = 40000;
   ResetPassState(as);
   AssemblePass(as);
+  FinishCStylePass(as);
   if (as.Conditional.Depth > 0) ReportError(as, 35);
   if (as.Conditional.ControlDepth > 0) ReportError(as, 39);
   if (as.opt.LIST && as.opt.SYM) ListSymbolTable(as);
@@ -196,6 +198,7 @@ void ResetPassState(Assembler& as) {
   as.Macros.StartPass();
   as.SequenceNumber = 0;
   RewindSegments(as);
+  StartCStylePass(as);
 }
 
 void AssembleFile(Assembler& as) {
