@@ -61,7 +61,9 @@ class DirectiveScanner {
   }
   // The raw operand: to the line end, `//` or `;`. A /* */ comment counts as
   // one blank; one that does not close ends the text. Quoted text is taken
-  // whole. Trailing white space is cut.
+  // whole: `"` to `"`, and `'` as ta51 reads a character constant, its first
+  // character as it stands and a doubled quote for a quote. Trailing white
+  // space is cut.
   std::string RawOperand(bool& commentOpen) {
     SkipWhiteSpace();
     std::string raw;
@@ -80,10 +82,7 @@ class DirectiveScanner {
       }
       raw += c;
       ++at_;
-      if (c == '"' || c == '\'') {
-        while (at_ < text_.size() && text_[at_] != c && text_[at_] != '\n') raw += text_[at_++];
-        if (at_ < text_.size() && text_[at_] == c) raw += text_[at_++];
-      }
+      if (c == '"' || c == '\'') TakeQuoted(c, raw);
     }
     while (!raw.empty() && IsWhiteSpace(raw.back())) raw.pop_back();
     return raw;
@@ -91,6 +90,18 @@ class DirectiveScanner {
 
  private:
   char Next() const { return at_ + 1 < text_.size() ? text_[at_ + 1] : '\0'; }
+  bool AtLineEnd() const { return at_ >= text_.size() || text_[at_] == '\n'; }
+
+  void TakeQuoted(char quote, std::string& raw) {
+    if (quote == '\'' && !AtLineEnd()) raw += text_[at_++];
+    while (!AtLineEnd()) {
+      char c = text_[at_++];
+      raw += c;
+      if (c != quote) continue;
+      if (quote == '"' || AtLineEnd() || text_[at_] != quote) return;
+      raw += text_[at_++];
+    }
+  }
 
   std::string_view text_;
   size_t at_ = 0;
@@ -151,10 +162,11 @@ bool ParseDirective(std::string_view line, std::string_view forcedWord, ParsedDi
   return true;
 }
 
-// The line of a directive fails: the report shows it from its start.
-void Complain(Assembler& as, int number, std::string_view detail) {
+// The line of a directive fails: the report shows it from its start. A
+// definition of the command line has no line number.
+void Complain(Assembler& as, int number, std::string_view detail, bool withLine = true) {
   as.Line.offset = 0;
-  ReportError(as, number, true, detail);
+  ReportError(as, number, withLine, detail);
 }
 
 void RebuildNameFilter(CStyleProcessor& c) {
@@ -174,9 +186,9 @@ std::string JoinPastes(std::string body) {
   return body;
 }
 
-void DefineCMacro(Assembler& as, ParsedDirective& d) {
-  if (d.name.empty()) return Complain(as, 11, "#define needs a name");
-  if (!d.parameterError.empty()) return Complain(as, 11, d.parameterError);
+void DefineCMacro(Assembler& as, ParsedDirective& d, bool fromSource = true) {
+  if (d.name.empty()) return Complain(as, 11, "#define needs a name", fromSource);
+  if (!d.parameterError.empty()) return Complain(as, 11, d.parameterError, fromSource);
   CStyleProcessor& c = as.CStyle;
   CMacro& macro = c.Macros[d.name];
   macro.Name = d.name;
@@ -327,12 +339,12 @@ void StartCStylePass(Assembler& as) {
   CStyleProcessor& c = as.CStyle;
   c.Running = true;
   c.Pass = as.SecondPass;
+  c.PassCharacters = 0;
   for (const auto& [name, body] : as.CommandLineDefines) {
     ParsedDirective d;
     ParseDirective(name + " " + body + "\n", "define", d);
     as.Line.text = "/D" + name + (body.empty() ? "" : "=" + body) + "\n";
-    as.Line.offset = 0;
-    DefineCMacro(as, d);
+    DefineCMacro(as, d, false);
   }
 }
 

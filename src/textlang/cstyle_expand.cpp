@@ -24,13 +24,18 @@ namespace {
 
 // An expanded line holds no more than the longest source line.
 constexpr size_t kExpandedLineLimit = 65536;
-// Characters that replacements may put into one line, all rescans counted.
+// Characters that replacements may put into one line, all rescans counted,
+// and into all lines of a pass: a source full of lines at the first bound
+// must still end in seconds.
 constexpr size_t kReplacementBudget = size_t{1} << 22;
+constexpr uint64_t kPassBudget = uint64_t{1} << 28;
 // Macro calls in the arguments of macro calls, each expanded on its own.
 constexpr size_t kArgumentNestingLimit = 64;
 
 constexpr std::string_view kLineTooLong = "#define macros make the line longer than 65536 characters";
 constexpr std::string_view kBudgetSpent = "#define macros put more than 4194304 characters into one line";
+constexpr std::string_view kPassBudgetSpent =
+    "#define macros put more than 268435456 characters into the lines of one pass";
 constexpr std::string_view kNestedTooDeep = "#define macro calls nest more than 64 deep in arguments";
 
 enum : uint8_t { kOther = 0, kWordChar = 1, kWordStart = 3 };
@@ -58,6 +63,12 @@ const CMacro* Lookup(const CStyleProcessor& c, std::string_view word, uint32_t h
   if (conditionView && found->second.Pass != c.Pass) return nullptr;
   return &found->second;
 }
+
+// Whether the quote `c` protects the text up to its partner: `"` always, `'`
+// only in #if, where it makes a C character constant. ta51's own strings and
+// character constants double a quote inside (`'''` is a quote), which no
+// pairing of quotes can follow, so a name in single quotes is replaced.
+bool IsQuote(char c, bool conditionView) { return c == '"' || (c == '\'' && conditionView); }
 
 // Behind a quote at `at`: up to the same quote, or to the line end.
 // Backslash escapes count in #if character constants only.
@@ -92,7 +103,7 @@ size_t FirstReplacement(const CStyleProcessor& c, std::string_view text, bool co
   const size_t size = text.size();
   while (at < size) {
     char ch = text[at];
-    if (ch == '"' || ch == '\'') {
+    if (IsQuote(ch, conditionView)) {
       at = SkipQuoted(text, at, conditionView);
       continue;
     }
@@ -143,16 +154,23 @@ class Expander {
   }
 
   // Expands `text` from `from` on (what stands before is copied) into
-  // Level(depth).Out. False after a report.
+  // Level(depth).Out. False after a report. The paint of its ranges is
+  // taken off again on every way out.
   bool Run(std::string_view text, size_t depth, size_t from) {
     CExpansionLevel& level = Level(depth);
     level.Out.assign(text.substr(0, from));
     level.Pending.assign(text.rbegin(), text.rend() - static_cast<std::ptrdiff_t>(from));
-    level.Ranges.clear();
+    bool done = Scan(level, depth);
+    while (!level.Ranges.empty()) PopRange(level);
+    return done;
+  }
+
+ private:
+  bool Scan(CExpansionLevel& level, size_t depth) {
     while (!level.Pending.empty()) {
-      while (!level.Ranges.empty() && level.Ranges.back().stop >= level.Pending.size()) level.Ranges.pop_back();
+      while (!level.Ranges.empty() && level.Ranges.back().stop >= level.Pending.size()) PopRange(level);
       char ch = level.Pending.back();
-      if (ch == '"' || ch == '\'') {
+      if (IsQuote(ch, conditionView_)) {
         CopyQuoted(level);
       } else if (ch == '/' && Ahead(level, 1) == '/') {
         level.Out.append(level.Pending.rbegin(), level.Pending.rend());
@@ -167,7 +185,11 @@ class Expander {
     return true;
   }
 
- private:
+  static void PopRange(CExpansionLevel& level) {
+    --level.Ranges.back().macro->Painted;
+    level.Ranges.pop_back();
+  }
+
   static char Ahead(const CExpansionLevel& level, size_t k) {
     return k < level.Pending.size() ? level.Pending[level.Pending.size() - 1 - k] : '\0';
   }
@@ -201,14 +223,6 @@ class Expander {
     while (!level.Pending.empty() && IsWordChar(level.Pending.back())) level.Out += Take(level);
   }
 
-  bool IsPainted(const CExpansionLevel& level, const CMacro* macro) const {
-    for (const auto& range : level.Ranges)
-      if (range.macro == macro) return true;
-    for (const CMacro* inherited : level.Inherited)
-      if (inherited == macro) return true;
-    return false;
-  }
-
   bool ParenAhead(const CExpansionLevel& level) const {
     size_t k = 0;
     while (k < level.Pending.size() && IsLineSpace(Ahead(level, k))) ++k;
@@ -230,7 +244,7 @@ class Expander {
       return true;
     }
     const CMacro* macro = Lookup(c_, word, hash, conditionView_);
-    if (macro == nullptr || IsPainted(level, macro)) return true;
+    if (macro == nullptr || macro->Painted > 0) return true;
     if (!macro->FunctionLike) {
       level.Out.resize(wordAt);
       return Push(level, macro->Body, macro);
@@ -242,7 +256,7 @@ class Expander {
   }
 
   // The arguments of a call, from its `(` to the matching `)`. Parentheses
-  // nest, and quoted text is taken whole.
+  // nest, and text in double quotes is taken whole.
   bool ReadArguments(CExpansionLevel& level, const CMacro& macro) {
     while (level.Pending.back() != '(') level.Pending.pop_back();
     level.Pending.pop_back();
@@ -266,7 +280,7 @@ class Expander {
       if (ch == '(') ++nesting;
       if (ch == ')') --nesting;
       *argument += ch;
-      if (ch == '"' || ch == '\'') {
+      if (IsQuote(ch, conditionView_)) {
         while (!level.Pending.empty() && level.Pending.back() != ch && level.Pending.back() != '\n')
           *argument += Take(level);
         if (!level.Pending.empty() && level.Pending.back() == ch) *argument += Take(level);
@@ -287,12 +301,10 @@ class Expander {
   }
 
   // The argument of parameter `index`, its own macros expanded as if it
-  // stood alone, with the paint of the place of the call.
+  // stood alone. The ranges around the call stay painted meanwhile.
   bool ExpandArgument(CExpansionLevel& level, size_t index, size_t depth) {
     if (depth + 1 >= kArgumentNestingLimit) return Fail(6, kNestedTooDeep);
     CExpansionLevel& inner = Level(depth + 1);
-    inner.Inherited = level.Inherited;
-    for (const auto& range : level.Ranges) inner.Inherited.push_back(range.macro);
     if (!Run(level.Arguments[index], depth + 1, 0)) return false;
     level.ExpandedArguments[index] = inner.Out;
     level.Expanded[index] = true;
@@ -309,7 +321,7 @@ class Expander {
     size_t at = 0;
     while (at < body.size()) {
       char ch = body[at];
-      if (ch == '"' || ch == '\'') {
+      if (IsQuote(ch, conditionView_)) {
         size_t end = SkipQuoted(body, at, conditionView_);
         level.Body.append(body, at, end - at);
         at = end;
@@ -347,10 +359,13 @@ class Expander {
   bool Push(CExpansionLevel& level, std::string_view text, const CMacro* macro) {
     if (level.Out.size() + level.Pending.size() + text.size() > kExpandedLineLimit) return Fail(6, kLineTooLong);
     budget_ += text.size() + 1;
+    c_.PassCharacters += text.size() + 1;
     if (budget_ > kReplacementBudget) return Fail(6, kBudgetSpent);
+    if (c_.PassCharacters > kPassBudget) return Fail(6, kPassBudgetSpent);
     // A call that took text from behind a painted range leaves that paint.
-    while (!level.Ranges.empty() && level.Ranges.back().stop > level.Pending.size()) level.Ranges.pop_back();
+    while (!level.Ranges.empty() && level.Ranges.back().stop > level.Pending.size()) PopRange(level);
     level.Ranges.push_back({macro, level.Pending.size()});
+    ++macro->Painted;
     level.Pending.append(text.rbegin(), text.rend());
     return true;
   }
@@ -374,7 +389,6 @@ bool ExpandCMacros(Assembler& as, std::string& text, bool conditionView) {
   if (first == std::string_view::npos) return true;
   Expander expander(as, conditionView);
   CExpansionLevel& top = expander.Level(0);
-  top.Inherited.clear();
   if (!expander.Run(text, 0, first)) return false;
   text.swap(top.Out);
   return true;

@@ -25,6 +25,9 @@ struct CMacro {
   // The pass (SecondPass) that made the record; #if and its kin see only the
   // records of the running pass, so that both passes decide alike.
   int32_t Pass = 0;
+  // Ranges of the line being expanded that hold a replacement by this
+  // macro, at every level: while it is above 0 the name is not replaced.
+  mutable int32_t Painted = 0;
 };
 
 // FNV-1a over the bytes of a name; the expander computes it while it reads a
@@ -58,7 +61,6 @@ struct CExpansionLevel {
     size_t stop;
   };
   std::vector<Painted> Ranges;
-  std::vector<const CMacro*> Inherited;  // painted where an argument was taken
   std::vector<std::string> Arguments;
   std::vector<std::string> ExpandedArguments;
   std::vector<bool> Expanded;
@@ -89,6 +91,8 @@ struct CStyleProcessor {
   // first line for sequence numbers comes earlier and must change nothing.
   bool Running = false;
   int32_t Pass = 0;
+  // Characters that replacements put into the lines of the running pass.
+  uint64_t PassCharacters = 0;
 
   // Working storage of expansion, one level per argument nesting; a deque,
   // so that a level stays in place while a deeper one is added.
