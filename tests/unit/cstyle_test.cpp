@@ -310,6 +310,14 @@ TEST_F(CStyleRuns, CommandLineDefinitions) {
       << bad.out;
 }
 
+TEST_F(CStyleRuns, DirectiveOperandsEndAtComments) {
+  // The /* left open runs over the next lines to its */, which are dropped;
+  // `;` ends a body, but not inside a character constant.
+  EXPECT_EQ(LoadRecords(Body("#define X 1 /* start\n DB 9\n end */ NOP\n\tCSEG AT 0\n\tDB X\n"
+                             "#define Y 2 ; note\n\tDB Y+1\n#define Q ';' ; note\n\tDB Q\n\tEND\n")),
+            "LR01. LR03. LR3B. ");
+}
+
 TEST_F(CStyleRuns, ARunRepeatsInProcess) {
   const std::string source = "#define N 3\n\tCSEG AT 0\n\tDB N\n#if N > 2\n\tDB 4\n#endif\n\tEND\n";
   EXPECT_EQ(LoadRecords(Body(source)), "LR03. LR04. ");
