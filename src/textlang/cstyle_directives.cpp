@@ -277,9 +277,19 @@ void Endif(Assembler& as) {
 }
 
 // An active #include becomes an INCLUDE statement, expanded like any line.
+// INCLUDE of the .a51 dialect reads `(name)`, so a bare name gets quotes
+// there and reads as in the other dialect.
 bool RewriteInclude(Assembler& as, const ParsedDirective& d) {
-  as.Line.text = d.raw.empty() ? " include\n" : " include " + d.raw + "\n";
-  return ExpandCMacros(as, as.Line.text, false);
+  std::string& text = as.Line.text;
+  text = d.raw.empty() ? " include\n" : " include " + d.raw + "\n";
+  if (!ExpandCMacros(as, text, false)) return false;
+  size_t name = text.find_first_not_of(" \t", 8);
+  if (as.PercentDialect && name != std::string::npos && text[name] != '"' && text[name] != '<' && text[name] != '\n') {
+    size_t end = text.find_first_of(" \t\n", name);
+    text.insert(end, 1, '"');
+    text.insert(name, 1, '"');
+  }
+  return true;
 }
 
 // Carries out a directive; true only for a delivered #include.

@@ -295,8 +295,11 @@ TEST_F(CStyleRuns, LineNumbersInReadersOfTheirOwn) {
 
 TEST_F(CStyleRuns, IncludeInTheA51Dialect) {
   Write("v.inc", "VAL\tEQU\t5\n");
-  EXPECT_EQ(LoadRecords(Body("\tCSEG AT 0\n#include \"v.inc\"\n#define REG R3\n\tMOV REG,#VAL\n\tEND\n", "s.a51")),
-            "LR7B05. ");
+  Write("w.inc", "REG2\tEQU\tR4\n");
+  EXPECT_EQ(LoadRecords(Body("\tCSEG AT 0\n#include \"v.inc\"\n#define NAME w.inc\n#include NAME\n"
+                             "#define REG R3\n\tMOV REG,#VAL\n\tMOV REG2,#VAL\n\tEND\n",
+                             "s.a51")),
+            "LR7B05. LR7C05. ");
 }
 
 TEST_F(CStyleRuns, CommandLineDefinitions) {
