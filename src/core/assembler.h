@@ -18,6 +18,7 @@
 #include "platform/platform.h"
 #include "symbols/symbol_table.h"
 #include "textlang/conditional_state.h"
+#include "textlang/cstyle_state.h"
 #include "textlang/macro_state.h"
 
 namespace ta51 {
@@ -234,6 +235,9 @@ struct Assembler {
 
   // --- MACRO language ---------------------------------------------------------
   MacroState Macros;
+
+  // --- C-style preprocessor -------------------------------------------------
+  CStyleProcessor CStyle;
 
   // --- Diagnostics ----------------------------------------------------------
   std::string MessageBuffer;

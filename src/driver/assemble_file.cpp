@@ -14,6 +14,7 @@
 #include "platform/platform.h"
 #include "symbols/symbols.h"
 #include "isa/predefined.h"
+#include "textlang/cstyle.h"
 
 namespace ta51 {
 
@@ -82,6 +83,7 @@ void RunFirstPass(Assembler& as) {
   as.NextDebugNumber = as.NextDebugTypeNumber = 40000;
   ResetPassState(as);
   AssemblePass(as);
+  FinishCStylePass(as);
   if (as.Conditional.Depth > 0) ReportError(as, 35);
   if (as.Conditional.ControlDepth > 0) ReportError(as, 39);
   if (as.opt.LIST && as.opt.SYM) ListSymbolTable(as);
@@ -198,6 +200,7 @@ void ResetPassState(Assembler& as) {
   as.Macros.StartPass();
   as.SequenceNumber = 0;
   RewindSegments(as);
+  StartCStylePass(as);
 }
 
 void AssembleFile(Assembler& as) {

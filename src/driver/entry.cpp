@@ -3,7 +3,6 @@
 
 #include <strings.h>
 
-#include <cctype>
 #include <cstdio>
 #include <new>
 
@@ -57,13 +56,13 @@ void DefineCommandLineSymbol(Assembler& as, const std::string& rest) {
   DefineSymbol(as, rest.c_str(), definition);
 }
 
-// `/DNAME` and `/DNAME=VALUE`: a #define given on the command line.
+// `/DNAME` and `/DNAME=VALUE`: a #define given on the command line. The
+// name runs to the first blank, so that `/DF(x)=x+1` keeps its parameters.
 void DefineCommandLineMacro(Assembler& as, std::string text) {
   size_t equals = text.find('=');
   if (equals != std::string::npos) text[equals] = ' ';
   size_t nameEnd = 0;
-  while (nameEnd < text.size() && (std::isalnum(static_cast<unsigned char>(text[nameEnd])) || text[nameEnd] == '_'))
-    ++nameEnd;
+  while (nameEnd < text.size() && text[nameEnd] != ' ' && text[nameEnd] != '\t') ++nameEnd;
   if (nameEnd == 0) return;
   size_t bodyStart = text.find_first_not_of(" \t", nameEnd);
   std::string body = bodyStart == std::string::npos ? std::string() : text.substr(bodyStart);

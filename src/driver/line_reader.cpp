@@ -4,12 +4,14 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "core/diagnostics.h"
 #include "driver/pass.h"
 #include "output/list_file.h"
 #include "platform/platform.h"
 #include "symbols/symbols.h"
+#include "textlang/cstyle.h"
 #include "textlang/macro.h"
 
 namespace ta51 {
@@ -141,17 +143,20 @@ bool FetchLine(Assembler& as) {
     SetLineFlags(as);
     return true;
   }
-  bool inComment = false;
+  bool inComment = std::exchange(as.CStyle.CommentOpen, false);
   while (true) {
     if (!as.SourceStream->TakeSimpleLine(as.Accumulator)) {
       if (!ReadPhysicalLine(as)) return false;
       as.Accumulator += '\n';
     }
-    if (!IsDroppedAsComment(as.Accumulator, inComment)) break;
+    if (!IsDroppedAsComment(as.Accumulator, inComment)) {
+      // The percent filter (SkippingPercentLines) drops its lines here,
+      // ahead of the C-style stage.
+      as.Line.text.swap(as.Accumulator);  // the accumulator is refilled next time
+      if (!CStyleMayAct(as) || RunCStyleStage(as, inComment)) break;
+    }
     ++as.LineNumber;
-    // The percent filter and the C-style directives act here as well.
   }
-  as.Line.text.swap(as.Accumulator);  // the accumulator is refilled next time
   if (as.SequenceNumbered) TakeSequenceNumber(as);
   SetLineFlags(as);
   return true;
@@ -197,14 +202,16 @@ IncludeName ReadIncludeName(Assembler& as) {
   std::string rest = as.Line.text.substr(static_cast<size_t>(as.Line.offset));
   IncludeName result;
   size_t end;
-  if (as.PercentDialect) {
+  // A quoted or angled name (as #include gives it) reads alike in both dialects.
+  bool quoted = !rest.empty() && (rest[0] == '"' || rest[0] == '<');
+  if (as.PercentDialect && !quoted) {
     end = rest.find(')');
     if (end == std::string::npos || end == 0) {
       ReportError(as, 5);
       return result;
     }
     result.name = rest.substr(1, end - 1);
-  } else if (!rest.empty() && (rest[0] == '"' || rest[0] == '<')) {
+  } else if (quoted) {
     char closing = rest[0] == '"' ? '"' : '>';
     end = rest.find(closing, 1);
     if (end == std::string::npos) {

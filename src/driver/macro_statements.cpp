@@ -47,11 +47,12 @@ void SkipMacroDefinition(Assembler& as, const char* terminator) {
   as.CommentOffset = 0;
   if (as.opt.LIST && as.opt.MD) ListLine(as);
   while (true) {
+    ++as.LineNumber;  // before the read, as the pass loop counts
     if (!FetchLine(as)) {
+      --as.LineNumber;
       ReportError(as, 43);
       return;
     }
-    ++as.LineNumber;
     as.LabelOffset = as.OpcodeOffset = as.OperandOffset = as.CommentOffset = 0;
     bool done = ClosesDefinition(as, terminator);
     as.CommentLine = true;
@@ -65,14 +66,18 @@ void SkipMacroDefinition(Assembler& as, const char* terminator) {
 // line, marked to list as plain text as in the second pass.
 void ReadMacroBody(Assembler& as, SymbolEntry& macro, const char* terminator) {
   while (true) {
+    ++as.LineNumber;  // before the read, as the pass loop counts
     if (!FetchLine(as)) {
+      --as.LineNumber;
       ReportError(as, 43);
       return;
     }
     const std::string& text = as.Line.text;
     // Debug line marks of a generated source are not part of the body.
-    if (text.compare(0, 8, "\t__SLINE") == 0 || text.compare(0, 8, "\t__SFILE") == 0) continue;
-    ++as.LineNumber;
+    if (text.compare(0, 8, "\t__SLINE") == 0 || text.compare(0, 8, "\t__SFILE") == 0) {
+      --as.LineNumber;
+      continue;
+    }
     switch (TakeDefinitionLine(as, macro, terminator)) {
       case DefinitionLine::Stored: break;
       case DefinitionLine::Nests: ReportError(as, 44); return;

@@ -2,7 +2,7 @@
 # Checks the fuzz dictionary that ta51_make_dictionary prints: every line is
 # an entry libFuzzer accepts ("..." with \" \\ \xNN escapes only), no entry
 # repeats, and words of every kind of keyword are there, the option pair
-# BIN/OBJOFF among them.
+# BIN/OBJOFF and the C-style directives among them.
 #
 #   check_dictionary.sh PATH/TO/ta51_make_dictionary
 set -eu
@@ -25,7 +25,8 @@ missing=0
 for entry in '" MOV "' '" MOVX "' '" DJNZ "' '" DB "' '" CSEG "' '" ORG "' '" INCLUDE "' '" END "' \
     '" IFDEF "' '" ENDC "' '" ENDM "' '" MACRO "' '" EQU "' '" SET "' '" BIN "' '" OBJOFF "' \
     '"\x0A$INCLUDE"' '"\x0A$REGISTERBANK"' '"\x0A\x09BIN\x0A;"' '"\x0A\x09OBJOFF\x0A;"' '"%*DEFINE"' '"%MATCH"' '"R7"' '"AR0"' '"ACC"' '"T2CON"' \
-    '" AND "' '" SHL "' '" HIGH "' '"<>"' '"NARG"' '"INBLOCK"' '"NUMBER"'; do
+    '" AND "' '" SHL "' '" HIGH "' '"<>"' '"NARG"' '"INBLOCK"' '"NUMBER"' \
+    '"\x0A#define "' '"\x0A#ifndef "' '"\x0A#endif "' '" defined "' '"##"'; do
   if ! grep -qxF "$entry" "$dictionary"; then
     echo "missing entry: $entry"
     missing=1

@@ -11,9 +11,10 @@
 // at the end of a line or inside a comment it adds a statement of its own
 // and turns the rest of that line into a comment, so the source stays free
 // of errors and reaches the second pass, where " BIN " would mostly spoil
-// the line it lands in. Dollar controls come at the start of a line, the
-// others (percent keywords, registers, predefined names, symbol operators,
-// segment and EXTRN types) as they are spelt. Each entry appears once.
+// the line it lands in. Dollar controls come at the start of a line, and so
+// do the C-style directives, behind their `#`; the others (percent keywords,
+// registers, predefined names, symbol operators, segment and EXTRN types,
+// `defined` and `##`) as they are spelt. Each entry appears once.
 
 #include <cstdio>
 #include <set>
@@ -29,6 +30,7 @@
 #include "isa/predefined.h"
 #include "symbols/symbols.h"
 #include "symbols/tokens.h"
+#include "textlang/cstyle_words.h"
 
 namespace {
 
@@ -98,5 +100,8 @@ int main() {
   d.Table(SegmentTypeKeywords(), false);
   d.Table(SegmentAlignmentKeywords(), false);
   d.Table(ExternTypes(), false);
+  for (const KeywordRow& row : kCStyleDirectiveRows) d.Framed("\n#", row.keyword, " ");
+  d.Word(kCDefinedOperator, true);
+  d.Word("##", false);
   return std::fflush(stdout) == 0 ? 0 : 1;
 }

@@ -1,0 +1,6 @@
+#ifndef HW_H
+#define HW_H
+#define LED	P1.0
+#define DELAY	10
+	DB	DELAY
+#endif

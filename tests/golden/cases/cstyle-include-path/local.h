@@ -1,0 +1,1 @@
+COUNT	EQU	DELAY * 2

@@ -1,0 +1,7 @@
+	CSEG	AT 0
+#include <hw.h>
+#include <hw.h>
+#include "local.h"
+	SETB	LED
+	MOV	R7,#COUNT
+	END
