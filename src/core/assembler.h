@@ -18,6 +18,7 @@
 #include "symbols/symbol_table.h"
 #include "textlang/conditional_state.h"
 #include "textlang/macro_state.h"
+#include "textlang/percent_state.h"
 
 namespace ta51 {
 
@@ -148,7 +149,6 @@ struct Assembler {
   std::vector<std::string> LibraryList;    // INCLUDELIB names, for the LI record
   std::vector<std::string> NoOverlayList;  // __NOOVL names of both passes, for NV records
   bool RegisterBankUsed[4] = {false, false, false, false};
-  int32_t PercentInstanceCounter = 0;
   bool Additions8052Entered[2] = {false, false};  // upper, lower case half
   int32_t IncludeDepth = 0;
   bool AssemblyStarted = false;  // files may exist from here on
@@ -220,6 +220,9 @@ struct Assembler {
 
   // --- MACRO language ---------------------------------------------------------
   MacroState Macros;
+
+  // --- Percent macro language -------------------------------------------------
+  PercentMacroEngine Percent;
 
   // --- Diagnostics ----------------------------------------------------------
   std::string MessageBuffer;

@@ -13,6 +13,7 @@
 #include "platform/platform.h"
 #include "symbols/symbols.h"
 #include "isa/predefined.h"
+#include "textlang/percent.h"
 
 namespace ta51 {
 
@@ -60,7 +61,7 @@ void SetSecondPassValues(Assembler& as) {
   for (OptionFlag* off : {&o.MEX, &o.SEQ, &o.UNA, &o.ProcessorMode}) SetOptionFlag(as, *off, 0);
   as.FromSourceFile = true;
   ForgetSegmentSelection(as);
-  as.PercentInstanceCounter = 0;
+  ResetPercentInstances(as);
   RewindFileScopes(as);
 }
 
@@ -194,6 +195,8 @@ void ResetPassState(Assembler& as) {
   as.PageNumber = 0;
   as.UniqueLabelCounter = 0;
   as.Macros.StartPass();
+  as.Percent.StartPass();
+  as.SavedFromSourceValid = false;
   as.SequenceNumber = 0;
   RewindSegments(as);
 }

@@ -11,6 +11,7 @@
 #include "platform/platform.h"
 #include "symbols/symbols.h"
 #include "textlang/macro.h"
+#include "textlang/percent.h"
 
 namespace ta51 {
 
@@ -132,7 +133,18 @@ void SetLineFlags(Assembler& as) {
 }  // namespace
 
 bool FetchLine(Assembler& as) {
-  // A running percent expansion is served first; it plugs in here.
+  // A running percent expansion is served first. Its lines count for no
+  // line of the file, until a line of the file or a macro body comes again.
+  if (PercentExpansionRunning(as) && NextPercentLine(as, as.Line.text)) {
+    as.Line.offset = 0;
+    if (!as.SavedFromSourceValid) {
+      as.SavedFromSource = as.FromSourceFile;
+      as.SavedFromSourceValid = true;
+    }
+    as.FromSourceFile = false;
+    SetLineFlags(as);
+    return true;
+  }
   if (as.SavedFromSourceValid) {
     as.FromSourceFile = as.SavedFromSource;
     as.SavedFromSourceValid = false;
@@ -147,9 +159,9 @@ bool FetchLine(Assembler& as) {
   while (true) {
     if (!ReadPhysicalLine(as)) return false;
     as.Accumulator += '\n';
-    if (!IsDroppedAsComment(as.Accumulator, inComment)) break;
+    if (!IsDroppedAsComment(as.Accumulator, inComment) && !SkippingPercentLines(as)) break;
     ++as.LineNumber;
-    // The percent filter and the C-style directives act here as well.
+    // The C-style directives act here as well.
   }
   as.Line.text.swap(as.Accumulator);  // the accumulator is refilled next time
   if (as.SequenceNumbered) TakeSequenceNumber(as);
@@ -254,6 +266,7 @@ void ReadIncludedFile(Assembler& as, const IncludeName& include) {
   as.InIncludeFile = true;
   OpenFileScope(as);
   ++as.IncludeDepth;
+  PercentFloorGuard percentFloor(as);
   AssemblePass(as);
   --as.IncludeDepth;
   as.SourceStream.reset();

@@ -14,6 +14,7 @@
 #include "output/list_file.h"
 #include "symbols/symbols.h"
 #include "textlang/macro.h"
+#include "textlang/percent.h"
 #include "textlang/textlang.h"
 
 namespace ta51 {
@@ -51,7 +52,7 @@ void SkipMacroDefinition(Assembler& as, const char* terminator) {
       ReportError(as, 43);
       return;
     }
-    ++as.LineNumber;
+    if (as.FromSourceFile) ++as.LineNumber;  // lines of a percent expansion count for none
     as.LabelOffset = as.OpcodeOffset = as.OperandOffset = as.CommentOffset = 0;
     bool done = ClosesDefinition(as, terminator);
     as.CommentLine = true;
@@ -72,7 +73,7 @@ void ReadMacroBody(Assembler& as, SymbolEntry& macro, const char* terminator) {
     const std::string& text = as.Line.text;
     // Debug line marks of a generated source are not part of the body.
     if (text.compare(0, 8, "\t__SLINE") == 0 || text.compare(0, 8, "\t__SFILE") == 0) continue;
-    ++as.LineNumber;
+    if (as.FromSourceFile) ++as.LineNumber;
     switch (TakeDefinitionLine(as, macro, terminator)) {
       case DefinitionLine::Stored: break;
       case DefinitionLine::Nests: ReportError(as, 44); return;
@@ -155,6 +156,7 @@ int MacroCall(Assembler& as, int result) {
     as.ShowLineValue = false;
     ListLine(as);
   }
+  PercentFloorGuard percentFloor(as);
   EnterMacroBody(as);
   AssemblePass(as);
   LeaveMacroBody(as);

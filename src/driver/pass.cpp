@@ -368,8 +368,13 @@ int ProcessStatement(Assembler& as) {
 void AssemblePass(Assembler& as) {
   do {
     ClearLineState(as);
-    if (as.FromSourceFile) ++as.LineNumber;
+    const bool counted = as.FromSourceFile;
+    if (counted) ++as.LineNumber;
     if (!FetchLine(as)) break;
+    // The lines of a percent expansion keep the number of the call; the
+    // file line behind them is counted when it comes.
+    if (counted && !as.FromSourceFile) --as.LineNumber;
+    if (!counted && as.FromSourceFile) ++as.LineNumber;
     PrepareFetchedLine(as);
     AssembleLine(as);
   } while (!as.EndSeen);
