@@ -50,16 +50,16 @@ bool ReadArgumentList(Assembler& as, PercentFrame& frame, int32_t at) {
 
 // The arguments of a call, from the character behind the name. A macro
 // with parameters needs its list; one without may have an empty list, or
-// none, and then the rest of the line meets the tail check.
+// none, and then the rest of the line meets the tail check. The list, or
+// what follows the name, is the operand field of the listing.
 bool ReadArguments(Assembler& as, const PercentMacro& macro, PercentFrame& frame) {
   const LineCursor& line = as.Line;
   int32_t at = line.offset;
   frame.argumentCount = 0;
-  if (line.At(at) != '(') {
-    if (macro.parameters.empty()) return true;
-    while (IsBlank(line.At(at))) ++at;
-    if (line.At(at) != '(') return ReportAt(as, at, 58);
-  }
+  while (IsBlank(line.At(at))) ++at;
+  as.OperandOffset = at;
+  if (line.At(line.offset) != '(' && macro.parameters.empty()) return true;
+  if (line.At(at) != '(') return ReportAt(as, at, 58);
   if (!ReadArgumentList(as, frame, at + 1)) return false;
   if (frame.argumentCount >= macro.parameters.size()) return true;
   std::string detail = macro.name + " takes " + std::to_string(macro.parameters.size()) +
