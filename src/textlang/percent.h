@@ -38,7 +38,12 @@ int DefinePercentMacro(Assembler& as);
 // At a primary of an expression: the code of the function whose name stands
 // behind `%` (after blanks), with the read offset behind the name; 0 with
 // the read offset unchanged when none stands there.
-int PercentFunctionCode(Assembler& as);
+int ReadPercentFunctionName(Assembler& as);
+inline int PercentFunctionCode(Assembler& as) {
+  const char* text = as.Line.Here();  // most primaries hold no `%`: one look
+  while (*text == ' ' || *text == '\t') ++text;
+  return *text == '%' ? ReadPercentFunctionName(as) : 0;
+}
 // The value of the function, reading its operands; the read offset is left
 // behind its closing parenthesis.
 int32_t PercentFunction(Assembler& as, int code);

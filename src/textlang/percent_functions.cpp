@@ -127,7 +127,7 @@ int PercentCompare(std::string_view first, std::string_view second) {
   return first.size() < second.size() ? -1 : first.size() > second.size() ? 1 : 0;
 }
 
-int PercentFunctionCode(Assembler& as) {
+int ReadPercentFunctionName(Assembler& as) {
   const LineCursor& line = as.Line;
   int32_t at = line.offset;
   while (IsBlank(line.At(at))) ++at;
