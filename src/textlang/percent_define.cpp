@@ -183,12 +183,23 @@ bool ReadBody(DefinitionReader& reader, Definition& definition) {
   return true;
 }
 
+bool SameDefinition(const PercentMacro& macro, const Definition& definition) {
+  return macro.body == definition.body && macro.locals == definition.locals &&
+         macro.parameters == definition.parameters;
+}
+
 void Store(Assembler& as, Definition& definition) {
   PercentMacroEngine& engine = as.Percent;
   if (as.SecondPass) {
     // The same definitions come in the same order as in the first pass.
     if (engine.Replayed < engine.Definitions.size() && engine.Definitions[engine.Replayed]->name == definition.name)
-      engine.Macros[definition.name] = engine.Definitions[engine.Replayed++].get();
+      engine.Macros[definition.name] = engine.Definitions[engine.Replayed++];
+    return;
+  }
+  // A body that defines a macro, run many times, defines the same one.
+  auto current = engine.Macros.find(definition.name);
+  if (current != engine.Macros.end() && SameDefinition(*current->second, definition)) {
+    engine.Definitions.push_back(current->second);
     return;
   }
   auto macro = std::make_unique<PercentMacro>();
@@ -199,7 +210,8 @@ void Store(Assembler& as, Definition& definition) {
   for (const std::string& local : macro->locals) macro->localForms.push_back("%" + local);
   for (const std::string& parameter : macro->parameters) macro->parameterForms.push_back("%" + parameter);
   engine.Macros[macro->name] = macro.get();
-  engine.Definitions.push_back(std::move(macro));
+  engine.Definitions.push_back(macro.get());
+  engine.Stored.push_back(std::move(macro));
 }
 
 }  // namespace

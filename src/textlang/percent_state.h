@@ -53,9 +53,11 @@ struct PercentMacroEngine {
   // Macro names compare by bytes, case kept. Each definition of the first
   // pass stays in Definitions, in source order, to the end of the run; the
   // second pass meets the same definitions in the same order and makes each
-  // current again, so that a call sees the definition in front of it.
+  // current again, so that a call sees the definition in front of it. A
+  // definition met again as it stands shares the stored macro.
   std::unordered_map<std::string, const PercentMacro*> Macros;
-  std::vector<std::unique_ptr<PercentMacro>> Definitions;
+  std::vector<std::unique_ptr<PercentMacro>> Stored;
+  std::vector<const PercentMacro*> Definitions;
   size_t Replayed = 0;  // definitions met so far in the second pass
   std::string Key;      // reused for the look-up of a called name
 

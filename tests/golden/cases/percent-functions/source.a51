@@ -28,6 +28,6 @@
         %OUT (text)
 PROG    SEGMENT CODE
         RSEG  PROG
-HERE:   DW    HERE + %EVAL(2)
+HERE:   DW    HERE + %EVAL(2AH)
 LATER   EQU   4
         END
