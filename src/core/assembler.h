@@ -20,6 +20,7 @@
 #include "textlang/conditional_state.h"
 #include "textlang/cstyle_state.h"
 #include "textlang/macro_state.h"
+#include "textlang/percent_state.h"
 
 namespace ta51 {
 
@@ -163,7 +164,6 @@ struct Assembler {
   std::vector<std::string> LibraryList;    // INCLUDELIB names, for the LI record
   std::vector<std::string> NoOverlayList;  // __NOOVL names of both passes, for NV records
   bool RegisterBankUsed[4] = {false, false, false, false};
-  int32_t PercentInstanceCounter = 0;
   bool Additions8052Entered[2] = {false, false};  // upper, lower case half
   int32_t IncludeDepth = 0;
   bool AssemblyStarted = false;  // files may exist from here on
@@ -238,6 +238,8 @@ struct Assembler {
 
   // --- C-style preprocessor -------------------------------------------------
   CStyleProcessor CStyle;
+  // --- Percent macro language -------------------------------------------------
+  PercentMacroEngine Percent;
 
   // --- Diagnostics ----------------------------------------------------------
   std::string MessageBuffer;

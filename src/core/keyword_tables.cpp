@@ -34,6 +34,18 @@ constexpr KeywordRow kPercentRows[] = {
     {"%REPEAT", 64},  {"%EXIT", 65},     {"%LEN", 66}, {"%MATCH", 67},  {"%IN", 68},    {"%OUT", 69},
 };
 
+constexpr KeywordRow kPercentFunctionRows[] = {
+    {"%EVAL", 55},
+    {"%EQS", 56},
+    {"%NES", 57},
+    {"%LTS", 58},
+    {"%LES", 59},
+    {"%GTS", 60},
+    {"%GES", 61},
+    {"%LEN", 66},
+    {"%MATCH", 67},
+};
+
 constexpr KeywordRow kIfRows[] = {
     {"IFC", 1},   {"IFNC", 2},  {"IFGT", 3},  {"IFGE", 4},   {"IFLT", 5},   {"IFLE", 6},
     {"IFEQ", 7},  {"IFNE", 8},  {"IFIC", 9},  {"IFINC", 10}, {"IFDEF", 11}, {"IFNDEF", 12},
@@ -50,6 +62,7 @@ constexpr KeywordRow kDefiningRows[] = {
 
 static_assert(std::size(kDataRows) == 10 && std::size(kGeneralRows) == 29 && std::size(kDollarRows) == 14);
 static_assert(std::size(kPercentRows) == 18 && std::size(kIfRows) == 12 && std::size(kEndRows) == 5);
+static_assert(std::size(kPercentFunctionRows) == 9);
 
 constexpr std::string_view KeywordOf(const KeywordRow& row) { return row.keyword; }
 
@@ -60,6 +73,7 @@ constexpr IndexFor<std::size(kDataRows)> kDataIndex(kDataRows, KeywordOf);
 constexpr IndexFor<std::size(kGeneralRows)> kGeneralIndex(kGeneralRows, KeywordOf);
 constexpr IndexFor<std::size(kDollarRows)> kDollarIndex(kDollarRows, KeywordOf);
 constexpr IndexFor<std::size(kPercentRows)> kPercentIndex(kPercentRows, KeywordOf);
+constexpr IndexFor<std::size(kPercentFunctionRows)> kPercentFunctionIndex(kPercentFunctionRows, KeywordOf);
 constexpr IndexFor<std::size(kIfRows)> kIfIndex(kIfRows, KeywordOf);
 constexpr IndexFor<std::size(kEndRows)> kEndIndex(kEndRows, KeywordOf);
 constexpr IndexFor<std::size(kDefiningRows)> kDefiningIndex(kDefiningRows, KeywordOf);
@@ -75,6 +89,7 @@ const KeywordTable kDataDirectives = {kDataRows, kDataIndex.slots};
 const KeywordTable kGeneralDirectives = {kGeneralRows, kGeneralIndex.slots};
 const KeywordTable kDollarControls = {kDollarRows, kDollarIndex.slots};
 const KeywordTable kPercentKeywords = {kPercentRows, kPercentIndex.slots};
+const KeywordTable kPercentFunctions = {kPercentFunctionRows, kPercentFunctionIndex.slots};
 const KeywordTable kIfKeywords = {kIfRows, kIfIndex.slots};
 const KeywordTable kEndKeywords = {kEndRows, kEndIndex.slots};
 const KeywordTable kDefiningKeywords = {kDefiningRows, kDefiningIndex.slots};

@@ -26,6 +26,8 @@ extern const KeywordTable kDataDirectives;
 extern const KeywordTable kGeneralDirectives;
 extern const KeywordTable kDollarControls;
 extern const KeywordTable kPercentKeywords;
+// The nine functions of the percent language in expressions.
+extern const KeywordTable kPercentFunctions;
 extern const KeywordTable kIfKeywords;
 extern const KeywordTable kEndKeywords;
 // MACRO, EQU, SET and their spellings, with the statement result (kResult*) of each.
@@ -106,5 +108,20 @@ enum : int {
   kIfNDef = 12,
 };
 enum : int { kEndC = 1, kEndM = 2, kElse = 3 };
+
+// Codes of the percent keywords that act, and of the percent functions.
+enum : int {
+  kPercentDefine = 52,
+  kPercentEval = 55,
+  kPercentEqs = 56,
+  kPercentNes = 57,
+  kPercentLts = 58,
+  kPercentLes = 59,
+  kPercentGts = 60,
+  kPercentGes = 61,
+  kPercentIf = 62,
+  kPercentLen = 66,
+  kPercentMatch = 67,
+};
 
 }  // namespace ta51

@@ -15,6 +15,7 @@
 #include "symbols/symbols.h"
 #include "isa/predefined.h"
 #include "textlang/cstyle.h"
+#include "textlang/percent.h"
 
 namespace ta51 {
 
@@ -62,7 +63,7 @@ void SetSecondPassValues(Assembler& as) {
   for (OptionFlag* off : {&o.MEX, &o.SEQ, &o.UNA, &o.ProcessorMode}) SetOptionFlag(as, *off, 0);
   as.FromSourceFile = true;
   ForgetSegmentSelection(as);
-  as.PercentInstanceCounter = 0;
+  ResetPercentInstances(as);
   RewindFileScopes(as);
 }
 
@@ -198,6 +199,8 @@ void ResetPassState(Assembler& as) {
   as.PageNumber = 0;
   as.UniqueLabelCounter = 0;
   as.Macros.StartPass();
+  as.Percent.StartPass();
+  as.SavedFromSourceValid = false;
   as.SequenceNumber = 0;
   RewindSegments(as);
   StartCStylePass(as);

@@ -13,6 +13,7 @@
 #include "symbols/symbols.h"
 #include "textlang/cstyle.h"
 #include "textlang/macro.h"
+#include "textlang/percent.h"
 
 namespace ta51 {
 
@@ -132,7 +133,18 @@ void SetLineFlags(Assembler& as) {
 }  // namespace
 
 bool FetchLine(Assembler& as) {
-  // A running percent expansion is served first; it plugs in here.
+  // A running percent expansion is served first. Its lines count for no
+  // line of the file, until a line of the file or a macro body comes again.
+  if (PercentExpansionRunning(as) && NextPercentLine(as, as.Line.text)) {
+    as.Line.offset = 0;
+    if (!as.SavedFromSourceValid) {
+      as.SavedFromSource = as.FromSourceFile;
+      as.SavedFromSourceValid = true;
+    }
+    as.FromSourceFile = false;
+    SetLineFlags(as);
+    return true;
+  }
   if (as.SavedFromSourceValid) {
     as.FromSourceFile = as.SavedFromSource;
     as.SavedFromSourceValid = false;
@@ -149,9 +161,8 @@ bool FetchLine(Assembler& as) {
       if (!ReadPhysicalLine(as)) return false;
       as.Accumulator += '\n';
     }
-    if (!IsDroppedAsComment(as.Accumulator, inComment)) {
-      // The percent filter (SkippingPercentLines) drops its lines here,
-      // ahead of the C-style stage.
+    // The percent filter drops its lines ahead of the C-style stage.
+    if (!IsDroppedAsComment(as.Accumulator, inComment) && !SkippingPercentLines(as)) {
       as.Line.text.swap(as.Accumulator);  // the accumulator is refilled next time
       if (!CStyleMayAct(as) || RunCStyleStage(as, inComment)) break;
     }
@@ -159,6 +170,19 @@ bool FetchLine(Assembler& as) {
   }
   if (as.SequenceNumbered) TakeSequenceNumber(as);
   SetLineFlags(as);
+  return true;
+}
+
+bool FetchCountedLine(Assembler& as, bool keepCountAtEnd) {
+  const bool counted = as.FromSourceFile;
+  if (counted) ++as.LineNumber;
+  if (!FetchLine(as)) {
+    if (counted && !keepCountAtEnd) --as.LineNumber;
+    return false;
+  }
+  // The reader may have gone from a percent expansion back to the file, or
+  // into an expansion: the line counts by where it came from.
+  if (counted != as.FromSourceFile) as.LineNumber += as.FromSourceFile ? 1 : -1;
   return true;
 }
 
@@ -261,6 +285,7 @@ void ReadIncludedFile(Assembler& as, const IncludeName& include) {
   as.InIncludeFile = true;
   OpenFileScope(as);
   ++as.IncludeDepth;
+  PercentFloorGuard percentFloor(as);
   AssemblePass(as);
   --as.IncludeDepth;
   as.SourceStream.reset();

@@ -14,6 +14,7 @@
 #include "output/list_file.h"
 #include "symbols/symbols.h"
 #include "textlang/macro.h"
+#include "textlang/percent.h"
 #include "textlang/textlang.h"
 
 namespace ta51 {
@@ -47,9 +48,7 @@ void SkipMacroDefinition(Assembler& as, const char* terminator) {
   as.CommentOffset = 0;
   if (as.opt.LIST && as.opt.MD) ListLine(as);
   while (true) {
-    ++as.LineNumber;  // before the read, as the pass loop counts
-    if (!FetchLine(as)) {
-      --as.LineNumber;
+    if (!FetchCountedLine(as)) {
       ReportError(as, 43);
       return;
     }
@@ -66,16 +65,15 @@ void SkipMacroDefinition(Assembler& as, const char* terminator) {
 // line, marked to list as plain text as in the second pass.
 void ReadMacroBody(Assembler& as, SymbolEntry& macro, const char* terminator) {
   while (true) {
-    ++as.LineNumber;  // before the read, as the pass loop counts
-    if (!FetchLine(as)) {
-      --as.LineNumber;
+    if (!FetchCountedLine(as)) {
       ReportError(as, 43);
       return;
     }
     const std::string& text = as.Line.text;
-    // Debug line marks of a generated source are not part of the body.
+    // Debug line marks of a generated source are not part of the body, nor
+    // do they count as lines.
     if (text.compare(0, 8, "\t__SLINE") == 0 || text.compare(0, 8, "\t__SFILE") == 0) {
-      --as.LineNumber;
+      if (as.FromSourceFile) --as.LineNumber;
       continue;
     }
     switch (TakeDefinitionLine(as, macro, terminator)) {
@@ -160,6 +158,7 @@ int MacroCall(Assembler& as, int result) {
     as.ShowLineValue = false;
     ListLine(as);
   }
+  PercentFloorGuard percentFloor(as);
   EnterMacroBody(as);
   AssemblePass(as);
   LeaveMacroBody(as);

@@ -378,8 +378,8 @@ int ProcessStatement(Assembler& as) {
 void AssemblePass(Assembler& as) {
   do {
     ClearLineState(as);
-    if (as.FromSourceFile) ++as.LineNumber;
-    if (!FetchLine(as)) break;
+    // The lines of a percent expansion keep the number of the call.
+    if (!FetchCountedLine(as, true)) break;
     PrepareFetchedLine(as);
     AssembleLine(as);
   } while (!as.EndSeen);

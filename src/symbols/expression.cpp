@@ -7,6 +7,7 @@
 #include "core/diagnostics.h"
 #include "symbols/symbols.h"
 #include "symbols/tokens.h"
+#include "textlang/percent.h"
 
 namespace ta51 {
 
@@ -267,8 +268,12 @@ class Evaluator {
     ++as_.ExprTermCount;
     expr_.TermSegment = nullptr;
     expr_.LoneCandidate = false;
-    // Numeric functions of the percent dialect (PercentFunctionCode and
-    // PercentFunction) plug in here, ahead of `%` as the binary prefix.
+    // The functions of the percent dialect come ahead of `%` as the binary
+    // prefix; no binary number has a letter behind its `%`.
+    if (as_.PercentDialect) {
+      int code = PercentFunctionCode(as_);
+      if (code != 0) return PercentFunctionTerm(code);
+    }
     int token = ScanToken(as_, true);
     if (token == TOK_PLUS) {
       // A sign opens the primary with the very next character, unscanned.
@@ -277,6 +282,13 @@ class Evaluator {
       ++as_.Line.offset;
     }
     return Dispatch(token);
+  }
+
+  int32_t PercentFunctionTerm(int code) {
+    int32_t value = PercentFunction(as_, code);
+    if (as_.LineHasError) return 0;
+    ScanToken(as_, true);
+    return AbsoluteTerm(value);
   }
 
   int32_t Dispatch(int token) {

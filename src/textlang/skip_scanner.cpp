@@ -51,12 +51,7 @@ bool FetchSkippedLine(Assembler& as, int endOfFileError) {
   as.LineHasError = false;
   as.SavedBytesFlag = false;
   as.CodeLength = 0;
-  // Counted before the line is read, as the pass loop counts, so that a
-  // report from inside the reader (a C-style directive) has its number.
-  bool counted = as.FromSourceFile;
-  if (counted) ++as.LineNumber;
-  if (!FetchLine(as)) {
-    if (counted) --as.LineNumber;
+  if (!FetchCountedLine(as)) {
     ReportError(as, endOfFileError);
     return false;
   }

@@ -1,5 +1,4 @@
-// Conditional assembly and the macro languages. Until they are built, their
-// statements are recognised and refused with "Unsupported option/directive".
+// The statement handlers of conditional assembly and the macro languages.
 #pragma once
 
 #include "core/assembler.h"
@@ -8,6 +7,8 @@ namespace ta51 {
 
 int ProcessConditional(Assembler& as, int code);
 int ProcessConditionalEnd(Assembler& as, int code);
+// A percent keyword at the opcode field: %*DEFINE and %IF act, the others
+// are statements that do nothing (result 2).
 int PercentKeyword(Assembler& as, int code);
 // Percent call at the opcode field; true if it consumed the statement.
 bool TryPercentCall(Assembler& as);

@@ -24,7 +24,7 @@ fi
 missing=0
 for entry in '" MOV "' '" MOVX "' '" DJNZ "' '" DB "' '" CSEG "' '" ORG "' '" INCLUDE "' '" END "' \
     '" IFDEF "' '" ENDC "' '" ENDM "' '" MACRO "' '" EQU "' '" SET "' '" BIN "' '" OBJOFF "' \
-    '"\x0A$INCLUDE"' '"\x0A$REGISTERBANK"' '"\x0A\x09BIN\x0A;"' '"\x0A\x09OBJOFF\x0A;"' '"%*DEFINE"' '"%MATCH"' '"R7"' '"AR0"' '"ACC"' '"T2CON"' \
+    '"\x0A$INCLUDE"' '"\x0A$REGISTERBANK"' '"\x0A\x09BIN\x0A;"' '"\x0A\x09OBJOFF\x0A;"' '"%*DEFINE"' '"%MATCH"' '"LOCAL"' '"FI"' '"%'"'"'"' '"R7"' '"AR0"' '"ACC"' '"T2CON"' \
     '" AND "' '" SHL "' '" HIGH "' '"<>"' '"NARG"' '"INBLOCK"' '"NUMBER"' \
     '"\x0A#define "' '"\x0A#ifndef "' '"\x0A#endif "' '" defined "' '"##"'; do
   if ! grep -qxF "$entry" "$dictionary"; then

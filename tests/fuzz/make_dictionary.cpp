@@ -12,9 +12,11 @@
 // and turns the rest of that line into a comment, so the source stays free
 // of errors and reaches the second pass, where " BIN " would mostly spoil
 // the line it lands in. Dollar controls come at the start of a line, and so
-// do the C-style directives, behind their `#`; the others (percent keywords,
-// registers, predefined names, symbol operators, segment and EXTRN types,
-// `defined` and `##`) as they are spelt. Each entry appears once.
+// do the C-style directives, behind their `#`; the others (percent keywords
+// and functions, the words LOCAL, THEN, ELSE, FI and %' of the percent
+// language, registers, predefined names, symbol operators, segment and
+// EXTRN types, `defined` and `##`) as they are spelt. Each entry appears
+// once.
 
 #include <cstdio>
 #include <set>
@@ -31,6 +33,7 @@
 #include "symbols/symbols.h"
 #include "symbols/tokens.h"
 #include "textlang/cstyle_words.h"
+#include "textlang/percent.h"
 
 namespace {
 
@@ -92,6 +95,8 @@ int main() {
   for (const OptionRow& row : OptionKeywords()) d.Framed("\n\t", row.keyword, "\n;");
   for (const KeywordRow& row : kDollarControls) d.Framed("\n", row.keyword, "");
   d.Table(kPercentKeywords.rows, false);
+  d.Table(kPercentFunctions.rows, false);
+  for (std::string_view word : kPercentLanguageWords) d.Word(word, false);
   for (const char* name : kRegisterNames) d.Word(name, false);
   for (std::span<const PredefinedName> table : kPredefinedTables)
     for (const PredefinedName& row : table) d.Word(row.name, false);
