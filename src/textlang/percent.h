@@ -39,10 +39,10 @@ int DefinePercentMacro(Assembler& as);
 // behind `%` (after blanks), with the read offset behind the name; 0 with
 // the read offset unchanged when none stands there.
 int ReadPercentFunctionName(Assembler& as);
+// Only a `%` right at the read offset counts: behind a blank the primary's
+// scan takes `%` for the prefix of a binary number.
 inline int PercentFunctionCode(Assembler& as) {
-  const char* text = as.Line.Here();  // most primaries hold no `%`: one look
-  while (*text == ' ' || *text == '\t') ++text;
-  return *text == '%' ? ReadPercentFunctionName(as) : 0;
+  return as.Line.Peek() == '%' ? ReadPercentFunctionName(as) : 0;  // one look
 }
 // The value of the function, reading its operands; the read offset is left
 // behind its closing parenthesis.

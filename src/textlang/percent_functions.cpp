@@ -136,7 +136,8 @@ int ReadPercentFunctionName(Assembler& as) {
   while (IsNameChar(line.At(end))) ++end;
   if (end == at + 1) return 0;
   std::string_view word = std::string_view(line.text).substr(static_cast<size_t>(at), static_cast<size_t>(end - at));
-  const KeywordRow* row = FindKeywordIgnoringCase(kPercentFunctions, word);
+  // Function names keep their case: `%eval` is no function.
+  const KeywordRow* row = FindKeyword(kPercentFunctions, word);
   if (row == nullptr) return 0;
   as.Line.offset = end;
   return row->code;

@@ -112,6 +112,15 @@ TEST_F(Percent, OtherDialectKnowsNoPercentLanguage) {
             "Bad opcode;Bad opcode;End of operand field expected;");
 }
 
+// A function stands right behind its term's operator and is written in upper
+// case: behind a blank, or in lower case, `%` is the binary prefix with no
+// digit, and the text behind it ends the operand field.
+TEST_F(Percent, FunctionNeedsItsPercentAtTheTermAndItsCase) {
+  EXPECT_EQ(Errors("\tDB 1 + %EVAL(2)\n\tDB %eval(1)\n", "e.a51"),
+            "End of operand field expected;End of operand field expected;");
+  EXPECT_EQ(Loads("\tCSEG AT 0\n\tDB 1+%EVAL(2)\n"), "LR03. ");
+}
+
 // A definition in a false section is not read: its body lines are skipped
 // with the section, and the macro is unknown.
 TEST_F(Percent, DefinitionInAFalseSectionDoesNothing) {
