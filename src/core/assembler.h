@@ -124,6 +124,7 @@ struct Assembler {
 
   // --- Files ----------------------------------------------------------
   std::string SourceName, ObjectName, ListName;
+  std::vector<std::string> FilesRead;  // the source and its include files, for --depfile
   std::string CurrentFileName;
   std::unique_ptr<InputFile> SourceStream;
   StreamBuffers Buffers;  // of the streams below; freed after they are closed

@@ -8,6 +8,7 @@
 
 #include "core/diagnostics.h"
 #include "core/option_keywords.h"
+#include "driver/linux_options.h"
 #include "driver/pass.h"
 #include "platform/platform.h"
 #include "symbols/symbols.h"
@@ -179,7 +180,7 @@ void RunCommandLine(Assembler& as, const std::vector<std::string>& arguments) {
   as.CommandLinePhase = true;
   for (const std::string& argument : arguments)
     if (IsOptionArgument(argument)) ProcessOptionArgument(as, argument);
-  if (!as.NOLOGO) std::fputs("Tavelin 8051 Relocatable Macro Cross-Assembler Version 2.31NT\n", as.console.out);
+  if (!as.NOLOGO) std::fprintf(as.console.out, "%s\n", kBanner);
   SettleFileNames(as, arguments);
   as.ErrorCount = 0;
   as.CommandLinePhase = false;
@@ -199,7 +200,19 @@ void RemoveObjectOfFailedRun(Assembler& as) {
 
 }  // namespace
 
-int RunAssembler(const std::vector<std::string>& arguments, Console console) {
+int RunAssembler(const std::vector<std::string>& commandLine, Console console) {
+  std::vector<std::string> arguments = commandLine;
+  const LinuxOptions extras = TakeLinuxOptions(arguments);
+  if (!extras.error.empty()) {
+    std::fprintf(console.out, "%s\n", extras.error.c_str());
+    return 1;
+  }
+  if (extras.help || extras.version) {
+    if (extras.help) PrintUsage(console.out);
+    else std::fprintf(console.out, "%s\n", kBanner);
+    std::fflush(console.out);
+    return 0;
+  }
   Assembler as(console);
   bool success = false;
   try {
@@ -213,6 +226,10 @@ int RunAssembler(const std::vector<std::string>& arguments, Console console) {
   }
   if (!success && as.AssemblyStarted) RemoveObjectOfFailedRun(as);
   RemoveTemporaryFiles(as);
+  if (success && !extras.depfile.empty() && !WriteDepFile(as, extras.depfile)) {
+    std::fprintf(console.out, "Cannot write dependency file %s\n", extras.depfile.c_str());
+    success = false;
+  }
   std::fflush(console.out);
   return ExitStatus(as, success);
 }

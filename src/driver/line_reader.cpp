@@ -282,6 +282,7 @@ void ReadIncludedFile(Assembler& as, const IncludeName& include) {
   if (!include.angled) as.SourceStream = InputFile::Open(as.CurrentFileName);
   if (as.SourceStream == nullptr) as.SourceStream = OpenFromSearchPath(as, include.name);
   if (as.SourceStream == nullptr) FatalExit(as, "Cannot open include file", include.name);
+  if (!as.SecondPass) as.FilesRead.push_back(as.CurrentFileName);
   as.InIncludeFile = true;
   OpenFileScope(as);
   ++as.IncludeDepth;

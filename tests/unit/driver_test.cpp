@@ -28,6 +28,33 @@ TEST_F(Driver, EmptySourceGivesModuleHeadAndEnd) {
   EXPECT_FALSE(TemporaryFilesLeft());
 }
 
+// Arguments with two dashes are the additions for Linux users: they never
+// reach the option keywords, and a run that only asks for help or the
+// version assembles nothing.
+TEST_F(Driver, DoubleDashArguments) {
+  Write("prog.asm", "\tNOP\n");
+  RunResult version = Run({"--version", "prog;"});
+  EXPECT_EQ(version.status, 0);
+  EXPECT_EQ(version.out, "Tavelin 8051 Relocatable Macro Cross-Assembler Version 2.31NT\n");
+  RunResult help = Run({"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_EQ(help.out.rfind("Usage: ta51 [options] source [object [list]]\n", 0), 0u) << help.out;
+  EXPECT_FALSE(Exists("prog.OBJ"));
+  for (const char* wrong : {"--frob", "--depfile", "--depfile=", "--HELP"}) {
+    RunResult run = Run({"prog;", wrong});
+    EXPECT_EQ(run.status, 1) << wrong;
+    EXPECT_NE(run.out.find(std::string_view(wrong).substr(0, 9)), std::string::npos) << run.out;
+    EXPECT_FALSE(Exists("prog.OBJ")) << wrong;
+  }
+  // The rule names the outputs and every file read once, the source first.
+  Write("inc.h", "#define X 1\n");
+  Write("both.asm", "#include \"inc.h\"\n#include \"inc.h\"\n\tDB X\n");
+  EXPECT_EQ(Run({"--depfile=both.d", "both;"}).status, 0);
+  EXPECT_EQ(Read("both.d"), "both.OBJ both.LST: " + Path("both.asm") + " " + Path("inc.h") + "\n");
+  EXPECT_EQ(Run({"--depfile", "none.d", "missing;"}).status, 1);
+  EXPECT_FALSE(Exists("none.d"));
+}
+
 TEST_F(Driver, BannerAndCommencingLines) {
   Write("prog.asm", "");
   RunResult run = Run({"prog;"});
