@@ -98,17 +98,25 @@ void Put(ListRow& row, std::string_view text) {
   row.Column += static_cast<int32_t>(text.size());
 }
 
-// In pieces that fit the buffer, however wide the padding.
+// Padding wider than the room left goes in pieces that fit the buffer.
+void PutBlanksInPieces(ListRow& row, size_t count) {
+  ListBuffer& buffer = row.as.ListPending;
+  while (count != 0) {
+    if (buffer.used == ListBuffer::kCapacity) FlushListBuffer(row.as);
+    const size_t piece = std::min(count, ListBuffer::kCapacity - buffer.used);
+    std::memset(buffer.data.get() + buffer.used, ' ', piece);
+    buffer.used += piece;
+    count -= piece;
+  }
+}
+
 void PutBlanks(ListRow& row, int32_t count) {
   ListBuffer& buffer = row.as.ListPending;
   row.Column += count;
-  for (size_t left = static_cast<size_t>(count); left != 0;) {
-    if (buffer.used == ListBuffer::kCapacity) FlushListBuffer(row.as);
-    const size_t piece = std::min(left, ListBuffer::kCapacity - buffer.used);
-    std::memset(buffer.data.get() + buffer.used, ' ', piece);
-    buffer.used += piece;
-    left -= piece;
-  }
+  const size_t blanks = static_cast<size_t>(count);
+  if (blanks > ListBuffer::kCapacity - buffer.used) return PutBlanksInPieces(row, blanks);
+  std::memset(buffer.data.get() + buffer.used, ' ', blanks);
+  buffer.used += blanks;
 }
 
 // Ends the row's text, then what writes straight to the stream may follow.
