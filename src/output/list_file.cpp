@@ -497,7 +497,7 @@ void SkipBlanks(LineCursor& line) {
   while (line.Peek() == ' ' || line.Peek() == '\t') ++line.offset;
 }
 
-// A field wider than this is a mistake: every listed line would carry it.
+// Wider fields would only pad every listed line with hundreds of blanks.
 constexpr int32_t kFieldWidthLimit = 255;
 
 bool AtStatementEnd(const LineCursor& line) {
