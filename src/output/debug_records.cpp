@@ -1,0 +1,276 @@
+// Debug records. Block records open with BB and close with BE, the number
+// behind the letters being the block type: 1 types, 3 constants, 5 lines,
+// 10 the module's symbols, 11 a segment. Entities are numbered from
+// NextDebugNumber, types from NextDebugTypeNumber.
+#include "output/debug_records.h"
+
+#include <string>
+#include <string_view>
+
+#include "directives/bank_state.h"
+#include "isa/operands.h"
+#include "output/object_file.h"
+#include "symbols/symbol_table.h"
+
+namespace ta51 {
+
+namespace {
+
+constexpr uint32_t kNumberTypeCode = 7;  // what the records call a plain number
+
+// Segments of a compiler's own output; their labels get no symbol record.
+constexpr std::string_view kCompilerSegments[] = {
+    "__CODE", "__DATA", "__IDDATA", "__XDATA", "__UDATA", "__UIDATA", "__UXDATA", "__DCODE", "__DCISEG", "__DCXDATA",
+};
+
+uint32_t Unsigned(int32_t value) { return static_cast<uint32_t>(value); }
+
+uint32_t TakeDebugNumber(Assembler& as) { return Unsigned(as.NextDebugNumber++); }
+
+CodeAddress AddressIn(const SegmentEntry& segment, uint32_t location) {
+  return CodeAddress{segment.number, location, segment.IsAbsolute()};
+}
+
+// "%X" of an absolute address, "(R%X+%X)" of an offset in a segment.
+std::string AddressText(const CodeAddress& address) {
+  if (address.absolute) return FormatText("%X", address.location);
+  return FormatText("(R%X+%X)", Unsigned(address.segmentNumber), address.location);
+}
+
+void AddLineRecord(Assembler& as, uint32_t line, const SegmentEntry* segment, uint32_t location) {
+  if (segment == nullptr) return;
+  DebugState& debug = as.Debug;
+  uint32_t file = debug.DebugLineTable.empty() ? 0 : debug.DebugLineTable.back().file;
+  if (debug.LineFiles.empty() || debug.LineFiles[file] != as.CurrentFileName) {
+    file = 0;
+    while (file < debug.LineFiles.size() && debug.LineFiles[file] != as.CurrentFileName) ++file;
+    if (file == debug.LineFiles.size()) debug.LineFiles.push_back(as.CurrentFileName);
+  }
+  debug.DebugLineTable.push_back(LineEntry{line, file, AddressIn(*segment, location)});
+}
+
+// A name in quotes, its length counting them; the module's block has two
+// fields more.
+void WriteBlockStart(Assembler& as, int type, std::string_view name, const char* tail = "") {
+  WriteCheckedRecord(as, "BB%d,0,%02X\"%.*s\"%s.\r\n", type, static_cast<unsigned>(name.size() + 2),
+                     static_cast<int>(name.size()), name.data(), tail);
+}
+
+// NN with a counted name; a leading `.` is written as `@`.
+void WriteNameRecord(Assembler& as, uint32_t number, std::string_view name) {
+  const bool dotted = !name.empty() && name[0] == '.';
+  std::string_view rest = dotted ? name.substr(1) : name;
+  WriteCheckedRecord(as, dotted ? "NN%X,%02X@%.*s.\r\n" : "NN%X,%02X%.*s.\r\n", number,
+                     static_cast<unsigned>(name.size()), static_cast<int>(rest.size()), rest.data());
+}
+
+// The value of a symbol, or the text the linker finishes it from.
+std::string ValueText(const SymbolEntry& symbol) {
+  if (symbol.segment == nullptr && !symbol.Expression().empty()) return std::string(symbol.Expression());
+  return FormatText("%X", Unsigned(symbol.value));
+}
+
+int FixedOrSettable(const SymbolEntry& symbol) { return (symbol.flags & kSymSettable) != 0 ? 2 : 1; }
+
+// One block per file, in the order in which the files first gave code; a
+// block holds that file's lines in the order of their code.
+void WriteLineBlocks(Assembler& as) {
+  const DebugState& debug = as.Debug;
+  for (uint32_t file = 0; file < debug.LineFiles.size(); ++file) {
+    uint32_t number = TakeDebugNumber(as);
+    WriteBlockStart(as, 5, debug.LineFiles[file]);
+    WriteCheckedRecord(as, "NN%X,00.\r\n", number);
+    for (const LineEntry& entry : debug.DebugLineTable) {
+      if (entry.file != file) continue;
+      WriteCheckedRecord(as, "ATN%X,0,7,%02X,0.\r\n", number, entry.line);
+      WriteCheckedRecord(as, "ASN%X,%s.\r\n", number, AddressText(entry.address).c_str());
+    }
+    WriteCheckedRecord(as, "BE5.\r\n");
+  }
+}
+
+bool IsCompilerSegment(const SegmentEntry* segment) {
+  if (segment == nullptr || segment->IsAbsolute()) return false;
+  for (std::string_view name : kCompilerSegments)
+    if (segment->name == name) return true;
+  return false;
+}
+
+// Outside the file-scope chain, what a debugger has no use for is left out:
+// predefined names, segment names, $SET variables, register aliases, the
+// argument count of macros, and the labels of a compiler's own segments.
+bool SymbolWanted(const SymbolEntry& symbol, int32_t relocation) {
+  if (symbol.relocation != relocation || symbol.type == T_MACRO || symbol.type == T_NAMEDMACRO) return false;
+  if (symbol.chain == kFileScopeChain) return true;
+  if ((symbol.flags & kSymPredefined) != 0 || symbol.relocation == REL_XREF) return false;
+  if (IsCompilerSegment(symbol.segment)) return false;
+  switch (symbol.type) {
+    case T_RSEGMENT: case T_SET: case T_REGEQU: case T_REGSET: case T_MACROVALUE: return false;
+    default: return true;
+  }
+}
+
+uint32_t TypeNumberOf(const Assembler& as, int32_t type) {
+  const std::array<int32_t, 6>& table = as.Debug.DebugTypeTable;
+  switch (type) {
+    case T_DATA: return Unsigned(table[0]);
+    case T_CODE: return Unsigned(table[1]);
+    case T_XDATA: return Unsigned(table[2]);
+    case T_IDATA: return Unsigned(table[3]);
+    case T_BIT: return Unsigned(table[5]);
+    case T_NUMBER: return kNumberTypeCode;
+    default: return 0;
+  }
+}
+
+void WriteSymbol(Assembler& as, const SymbolEntry& symbol) {
+  const uint32_t number = TakeDebugNumber(as);
+  const int isPublic = symbol.relocation == REL_XDEF ? 1 : 0;
+  const int32_t type = symbol.segment != nullptr ? symbol.segment->type : symbol.type;
+  WriteNameRecord(as, number, symbol.name);
+  if (type == T_NUMBER) {
+    WriteCheckedRecord(as, "ATN%X,7,10,%d,%X,%s.\r\n", number, FixedOrSettable(symbol), isPublic,
+                       ValueText(symbol).c_str());
+    return;
+  }
+  // Labels of instructions record no element size; they count as one.
+  const uint32_t size = symbol.itemCount * (symbol.itemSize != 0 ? symbol.itemSize : 1);
+  WriteCheckedRecord(as, "ATN%X,%X,13,%X,%X.\r\n", number, TypeNumberOf(as, type), size, isPublic);
+  if (symbol.segment == nullptr || symbol.segment->IsAbsolute())
+    WriteCheckedRecord(as, "ASN%X,%s.\r\n", number, ValueText(symbol).c_str());
+  else
+    WriteCheckedRecord(as, "ASN%X,(R%X+%X).\r\n", number, Unsigned(symbol.segment->number), Unsigned(symbol.value));
+}
+
+void WriteSymbolDebug(Assembler& as, int32_t relocation) {
+  as.Symbols.ForEachWithFileScopes([relocation](const SymbolEntry& symbol) { return SymbolWanted(symbol, relocation); },
+                                   [&as](const SymbolEntry& symbol) { WriteSymbol(as, symbol); });
+}
+
+// A segment that holds something: BB11 with its space and start, BE11 with
+// its end. An absolute segment that stayed empty has no records in the
+// module, so it has none here either.
+void WriteSegmentBlocks(Assembler& as) {
+  for (const SegmentEntry& segment : as.Segments.entries) {
+    if (segment.type == 0 || segment.location == 0) continue;
+    if (segment.IsAbsolute() && segment.location == segment.startAddress) continue;
+    const int space = segment.type == kRegisterBankType ? 0 : segment.type == T_CODE ? 1 : 2;
+    std::string start = segment.IsAbsolute() ? FormatText("%X", segment.startAddress)
+                                             : FormatText("R%X", Unsigned(segment.number));
+    WriteCheckedRecord(as, "BB11,0,0,%X,%X,%s.\r\nBE11,%X.\r\n", space, Unsigned(segment.number), start.c_str(),
+                       segment.location);
+  }
+}
+
+}  // namespace
+
+void NoteInstructionLine(Assembler& as) {
+  DebugState& debug = as.Debug;
+  const uint32_t location = as.CurrentSegment != nullptr ? as.CurrentSegment->location : 0;
+  if (as.FromSourceFile) {
+    // A statement of result 1 with no bytes is a percent call.
+    debug.PercentLinePending = as.CodeLength == 0;
+    debug.PendingLine = as.LineNumber;
+    if (as.CodeLength != 0) AddLineRecord(as, as.LineNumber, as.CurrentSegment, location);
+    return;
+  }
+  if (!debug.PercentLinePending || as.CodeLength == 0) return;
+  debug.PercentLinePending = false;
+  AddLineRecord(as, debug.PendingLine, as.CurrentSegment, location);
+}
+
+CallLineMark MarkCallLine(Assembler& as) {
+  CallLineMark mark;
+  mark.segment = as.CurrentSegment;
+  mark.location = as.CurrentSegment != nullptr ? as.CurrentSegment->location : 0;
+  mark.line = as.LineNumber;
+  mark.fromSourceFile = as.FromSourceFile;
+  // A call made from a line of the file ends the wait of a percent call
+  // line whose expansion brought no code.
+  if (as.FromSourceFile) as.Debug.PercentLinePending = false;
+  return mark;
+}
+
+void RecordCallLine(Assembler& as, const CallLineMark& mark) {
+  const SegmentEntry* segment = mark.segment;
+  if (segment == nullptr || segment->type != T_CODE || segment != as.CurrentSegment) return;
+  if (!LineTableWanted(as) || !mark.fromSourceFile || segment->location <= mark.location) return;
+  AddLineRecord(as, mark.line, segment, mark.location);
+}
+
+void WriteMarkBlocks(Assembler& as) {
+  bool open = false;
+  std::string currentName;
+  uint32_t number = 0;
+  for (const SourceMark& mark : as.Debug.SourceMarkList) {
+    if (mark.isFile) {
+      if (open) WriteCheckedRecord(as, "BE5.\r\n");
+      open = false;
+      currentName = mark.fileName;
+      for (char& c : currentName)
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
+      continue;
+    }
+    if (!open) {
+      WriteBlockStart(as, 5, currentName);
+      number = TakeDebugNumber(as);
+      WriteCheckedRecord(as, "NN%X,00.\r\n", number);
+      open = true;
+    }
+    const uint32_t bank = mark.bank != nullptr ? Unsigned(mark.bank->number) : 0;
+    WriteCheckedRecord(as, "ATN%X,%X,7,%X,0.\r\n", number, bank, Unsigned(mark.line));
+    WriteCheckedRecord(as, "ASN%X,%s.\r\n", number, AddressText(mark.address).c_str());
+  }
+  if (open) WriteCheckedRecord(as, "BE5.\r\n");
+}
+
+void WriteTypeBlock(Assembler& as, bool header) {
+  DebugState& debug = as.Debug;
+  if (debug.TypeBlockWritten) return;
+  debug.TypeBlockWritten = true;
+  if (header) WriteBlockStart(as, 1, as.ModuleFileName);
+  for (uint32_t i = 0; i < debug.DebugTypeTable.size(); ++i) {
+    const uint32_t number = TakeDebugNumber(as);
+    const int32_t type = as.NextDebugTypeNumber++;
+    debug.DebugTypeTable[i] = type;
+    WriteCheckedRecord(as, "NN%X,00.TY%X.ZN%X.TY6E,3,0,%X.\r\n", number, Unsigned(type), number, i);
+  }
+  if (header) WriteCheckedRecord(as, "BE1.\r\n");
+}
+
+bool WriteConstantBlock(Assembler& as, bool header) {
+  if (as.Debug.ConstantBlockWritten) return false;
+  as.Debug.ConstantBlockWritten = true;
+  bool found = false;
+  auto constant = [](const SymbolEntry& symbol) { return symbol.type == T_NUMBER && symbol.relocation != REL_XREF; };
+  as.Symbols.ForEachWithFileScopes(constant, [&](const SymbolEntry& symbol) {
+    if (!found && header)
+      WriteCheckedRecord(as, "BB3,0,%02X%s.\r\n", static_cast<unsigned>(as.ModuleFileName.size()),
+                         as.ModuleFileName.c_str());
+    found = true;
+    const uint32_t number = TakeDebugNumber(as);
+    WriteNameRecord(as, number, symbol.name);
+    WriteCheckedRecord(as, "ATN%X,7,10,%d,0,%s.\r\n", number, FixedOrSettable(symbol), ValueText(symbol).c_str());
+  });
+  if (found && header) WriteCheckedRecord(as, "BE3.\r\n");
+  return header && !found;
+}
+
+void WriteDebugRecords(Assembler& as) {
+  WriteTypeBlock(as, true);
+  const bool noConstants = WriteConstantBlock(as, true);
+  if (!as.Debug.DebugLineTable.empty()) {
+    if (noConstants) {
+      WriteBlockStart(as, 3, as.ModuleFileName);
+      WriteCheckedRecord(as, "BE3.\r\n");
+    }
+    WriteLineBlocks(as);
+  }
+  WriteBlockStart(as, 10, as.ModuleName, ",00,0");
+  WriteSymbolDebug(as, REL_XDEF);
+  WriteSymbolDebug(as, REL_NULL);
+  WriteSegmentBlocks(as);
+  WriteCheckedRecord(as, "BE10.\r\n");
+}
+
+}  // namespace ta51
