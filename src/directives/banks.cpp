@@ -58,6 +58,31 @@ const KeywordRow* ReadSwitchingWord(Assembler& as) {
   return nullptr;
 }
 
+// The comma behind BANK. Another character in its place is reported and
+// used up, and the number is read behind it; false when the line ends.
+bool TakeBankComma(Assembler& as) {
+  SkipBlanks(as);
+  const char separator = as.Line.Peek();
+  if (separator == '\n' || separator == '\0') return Refuse(as, 105);
+  ++as.Line.offset;
+  if (separator != ',') ReportError(as, 105);
+  return true;
+}
+
+// `,word,number` behind the bank number, if a comma follows it.
+bool ReadSwitching(Assembler& as, const char*& word, int32_t& portValue) {
+  SkipBlanks(as);
+  if (as.Line.Peek() != ',') return true;
+  ++as.Line.offset;
+  const KeywordRow* row = ReadSwitchingWord(as);
+  if (row == nullptr) return Refuse(as, 107);
+  word = row->keyword;
+  SkipBlanks(as);
+  if (as.Line.Peek() != ',') return Refuse(as, 108);
+  ++as.Line.offset;
+  return ReadClauseNumber(as, portValue);
+}
+
 BankControl& FindOrAddControl(BankState& state, const char* word) {
   for (BankControl& control : state.Controls)
     if (control.word == word) return control;
@@ -81,36 +106,18 @@ BankRecord* FindOrAddBank(BankState& state, const std::string& name, uint32_t po
 
 bool ParseBankClause(Assembler& as, int32_t type, BankRecord*& bank) {
   bank = nullptr;
-  if (!MatchKeyword(as, "BANK", kClauseFollow)) return true;
+  if (!MatchKeyword(as, kBankClauseRows[kWordBank].keyword, kClauseFollow)) return true;
   const char* typeWord = TypeWord(type);
   // Internal RAM and bits cannot be switched through a port: such a clause
   // is a mistake, not a bank.
   if (typeWord == nullptr) return Refuse(as, 89, "BANK takes a CODE, DATA or XDATA segment");
-  SkipBlanks(as);
-  char separator = as.Line.Peek();
-  if (separator != ',') {
-    if (separator == '\n' || separator == '\0') return Refuse(as, 105);
-    ++as.Line.offset;  // what stood in the place of the comma is used up
-    ReportError(as, 105);
-  } else {
-    ++as.Line.offset;
-  }
+  if (!TakeBankComma(as)) return false;
   int32_t number = 0;
   if (!ReadClauseNumber(as, number)) return false;
   if (number < 0) return Refuse(as, 28);
   const char* word = "";
   int32_t portValue = 0;
-  SkipBlanks(as);
-  if (as.Line.Peek() == ',') {
-    ++as.Line.offset;
-    const KeywordRow* row = ReadSwitchingWord(as);
-    if (row == nullptr) return Refuse(as, 107);
-    word = row->keyword;
-    SkipBlanks(as);
-    if (as.Line.Peek() != ',') return Refuse(as, 108);
-    ++as.Line.offset;
-    if (!ReadClauseNumber(as, portValue)) return false;
-  }
+  if (!ReadSwitching(as, word, portValue)) return false;
   if (as.LineHasError || as.SecondPass) return !as.LineHasError;
   BankControl& control = FindOrAddControl(as.Banks, word);
   std::string name = std::string("__").append(typeWord).append("_BANK").append(std::to_string(number));
