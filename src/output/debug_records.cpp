@@ -4,9 +4,11 @@
 // NextDebugNumber, types from NextDebugTypeNumber.
 #include "output/debug_records.h"
 
+#include <cstdio>
 #include <string>
 #include <string_view>
 
+#include "core/diagnostics.h"
 #include "directives/bank_state.h"
 #include "isa/operands.h"
 #include "output/object_file.h"
@@ -31,12 +33,6 @@ CodeAddress AddressIn(const SegmentEntry& segment, uint32_t location) {
   return CodeAddress{segment.number, location, segment.IsAbsolute()};
 }
 
-// "%X" of an absolute address, "(R%X+%X)" of an offset in a segment.
-std::string AddressText(const CodeAddress& address) {
-  if (address.absolute) return FormatText("%X", address.location);
-  return FormatText("(R%X+%X)", Unsigned(address.segmentNumber), address.location);
-}
-
 void AddLineRecord(Assembler& as, uint32_t line, const SegmentEntry* segment, uint32_t location) {
   if (segment == nullptr) return;
   DebugState& debug = as.Debug;
@@ -49,6 +45,60 @@ void AddLineRecord(Assembler& as, uint32_t line, const SegmentEntry* segment, ui
   debug.DebugLineTable.push_back(LineEntry{line, file, AddressIn(*segment, location)});
 }
 
+// The records of lines, symbols and constants are the bulk of the debug
+// records. Each is put together in one reused buffer, without printf, and
+// written in one piece.
+class Record {
+ public:
+  explicit Record(Assembler& as) : as_(as) {}
+
+  Record& Put(std::string_view text) {
+    text_.append(text);
+    return *this;
+  }
+  // Upper-case hexadecimal, at least `width` digits.
+  Record& Hex(uint32_t value, size_t width = 1) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    char digits[8];
+    size_t count = 0;
+    do {
+      digits[count++] = kDigits[value & 15];
+      value >>= 4;
+    } while (value != 0);
+    while (count < width) digits[count++] = '0';
+    while (count > 0) text_ += digits[--count];
+    return *this;
+  }
+  Record& Signed(int32_t value) { return Hex(static_cast<uint32_t>(value)); }
+  // "%X" of an absolute address, "(R%X+%X)" of an offset in a segment.
+  Record& Address(const CodeAddress& address) {
+    if (address.absolute) return Hex(address.location);
+    return Put("(R").Signed(address.segmentNumber).Put("+").Hex(address.location).Put(")");
+  }
+  // A counted name; a leading `.` is written as `@`, the length unchanged.
+  Record& CountedName(std::string_view name) {
+    Hex(static_cast<uint32_t>(name.size()), 2);
+    if (!name.empty() && name[0] == '.') return Put("@").Put(name.substr(1));
+    return Put(name);
+  }
+  // The value of a symbol, or the text the linker finishes it from.
+  Record& Value(const SymbolEntry& symbol) {
+    if (symbol.segment == nullptr && !symbol.Expression().empty()) return Put(symbol.Expression());
+    return Signed(symbol.value);
+  }
+  void End() {
+    text_.append(".\r\n");
+    FILE* stream = as_.ObjectStream;
+    if (stream == nullptr || std::fwrite(text_.data(), 1, text_.size(), stream) != text_.size())
+      ReportError(as_, 25, false);
+    text_.clear();
+  }
+
+ private:
+  Assembler& as_;
+  std::string text_;
+};
+
 // A name in quotes, its length counting them; the module's block has two
 // fields more.
 void WriteBlockStart(Assembler& as, int type, std::string_view name, const char* tail = "") {
@@ -56,21 +106,7 @@ void WriteBlockStart(Assembler& as, int type, std::string_view name, const char*
                      static_cast<int>(name.size()), name.data(), tail);
 }
 
-// NN with a counted name; a leading `.` is written as `@`.
-void WriteNameRecord(Assembler& as, uint32_t number, std::string_view name) {
-  const bool dotted = !name.empty() && name[0] == '.';
-  std::string_view rest = dotted ? name.substr(1) : name;
-  WriteCheckedRecord(as, dotted ? "NN%X,%02X@%.*s.\r\n" : "NN%X,%02X%.*s.\r\n", number,
-                     static_cast<unsigned>(name.size()), static_cast<int>(rest.size()), rest.data());
-}
-
-// The value of a symbol, or the text the linker finishes it from.
-std::string ValueText(const SymbolEntry& symbol) {
-  if (symbol.segment == nullptr && !symbol.Expression().empty()) return std::string(symbol.Expression());
-  return FormatText("%X", Unsigned(symbol.value));
-}
-
-int FixedOrSettable(const SymbolEntry& symbol) { return (symbol.flags & kSymSettable) != 0 ? 2 : 1; }
+uint32_t FixedOrSettable(const SymbolEntry& symbol) { return (symbol.flags & kSymSettable) != 0 ? 2 : 1; }
 
 // One block per file, in the order in which the files first gave code; a
 // block holds that file's lines in the order of their code.
@@ -80,10 +116,11 @@ void WriteLineBlocks(Assembler& as) {
     uint32_t number = TakeDebugNumber(as);
     WriteBlockStart(as, 5, debug.LineFiles[file]);
     WriteCheckedRecord(as, "NN%X,00.\r\n", number);
+    Record record(as);
     for (const LineEntry& entry : debug.DebugLineTable) {
       if (entry.file != file) continue;
-      WriteCheckedRecord(as, "ATN%X,0,7,%02X,0.\r\n", number, entry.line);
-      WriteCheckedRecord(as, "ASN%X,%s.\r\n", number, AddressText(entry.address).c_str());
+      record.Put("ATN").Hex(number).Put(",0,7,").Hex(entry.line, 2).Put(",0").End();
+      record.Put("ASN").Hex(number).Put(",").Address(entry.address).End();
     }
     WriteCheckedRecord(as, "BE5.\r\n");
   }
@@ -123,28 +160,30 @@ uint32_t TypeNumberOf(const Assembler& as, int32_t type) {
   }
 }
 
-void WriteSymbol(Assembler& as, const SymbolEntry& symbol) {
+void WriteSymbol(Assembler& as, Record& record, const SymbolEntry& symbol) {
   const uint32_t number = TakeDebugNumber(as);
-  const int isPublic = symbol.relocation == REL_XDEF ? 1 : 0;
+  const uint32_t isPublic = symbol.relocation == REL_XDEF ? 1 : 0;
   const int32_t type = symbol.segment != nullptr ? symbol.segment->type : symbol.type;
-  WriteNameRecord(as, number, symbol.name);
+  record.Put("NN").Hex(number).Put(",").CountedName(symbol.name).End();
+  record.Put("ATN").Hex(number);
   if (type == T_NUMBER) {
-    WriteCheckedRecord(as, "ATN%X,7,10,%d,%X,%s.\r\n", number, FixedOrSettable(symbol), isPublic,
-                       ValueText(symbol).c_str());
+    record.Put(",7,10,").Hex(FixedOrSettable(symbol)).Put(",").Hex(isPublic).Put(",").Value(symbol).End();
     return;
   }
   // Labels of instructions record no element size; they count as one.
   const uint32_t size = symbol.itemCount * (symbol.itemSize != 0 ? symbol.itemSize : 1);
-  WriteCheckedRecord(as, "ATN%X,%X,13,%X,%X.\r\n", number, TypeNumberOf(as, type), size, isPublic);
+  record.Put(",").Hex(TypeNumberOf(as, type)).Put(",13,").Hex(size).Put(",").Hex(isPublic).End();
+  record.Put("ASN").Hex(number).Put(",");
   if (symbol.segment == nullptr || symbol.segment->IsAbsolute())
-    WriteCheckedRecord(as, "ASN%X,%s.\r\n", number, ValueText(symbol).c_str());
+    record.Value(symbol).End();
   else
-    WriteCheckedRecord(as, "ASN%X,(R%X+%X).\r\n", number, Unsigned(symbol.segment->number), Unsigned(symbol.value));
+    record.Address(CodeAddress{symbol.segment->number, Unsigned(symbol.value), false}).End();
 }
 
 void WriteSymbolDebug(Assembler& as, int32_t relocation) {
+  Record record(as);
   as.Symbols.ForEachWithFileScopes([relocation](const SymbolEntry& symbol) { return SymbolWanted(symbol, relocation); },
-                                   [&as](const SymbolEntry& symbol) { WriteSymbol(as, symbol); });
+                                   [&](const SymbolEntry& symbol) { WriteSymbol(as, record, symbol); });
 }
 
 // A segment that holds something: BB11 with its space and start, BE11 with
@@ -202,6 +241,7 @@ void WriteMarkBlocks(Assembler& as) {
   bool open = false;
   std::string currentName;
   uint32_t number = 0;
+  Record record(as);
   for (const SourceMark& mark : as.Debug.SourceMarkList) {
     if (mark.isFile) {
       if (open) WriteCheckedRecord(as, "BE5.\r\n");
@@ -217,9 +257,9 @@ void WriteMarkBlocks(Assembler& as) {
       WriteCheckedRecord(as, "NN%X,00.\r\n", number);
       open = true;
     }
-    const uint32_t bank = mark.bank != nullptr ? Unsigned(mark.bank->number) : 0;
-    WriteCheckedRecord(as, "ATN%X,%X,7,%X,0.\r\n", number, bank, Unsigned(mark.line));
-    WriteCheckedRecord(as, "ASN%X,%s.\r\n", number, AddressText(mark.address).c_str());
+    const int32_t bank = mark.bank != nullptr ? mark.bank->number : 0;
+    record.Put("ATN").Hex(number).Put(",").Signed(bank).Put(",7,").Signed(mark.line).Put(",0").End();
+    record.Put("ASN").Hex(number).Put(",").Address(mark.address).End();
   }
   if (open) WriteCheckedRecord(as, "BE5.\r\n");
 }
@@ -242,6 +282,7 @@ bool WriteConstantBlock(Assembler& as, bool header) {
   if (as.Debug.ConstantBlockWritten) return false;
   as.Debug.ConstantBlockWritten = true;
   bool found = false;
+  Record record(as);
   auto constant = [](const SymbolEntry& symbol) { return symbol.type == T_NUMBER && symbol.relocation != REL_XREF; };
   as.Symbols.ForEachWithFileScopes(constant, [&](const SymbolEntry& symbol) {
     if (!found && header)
@@ -249,8 +290,8 @@ bool WriteConstantBlock(Assembler& as, bool header) {
                          as.ModuleFileName.c_str());
     found = true;
     const uint32_t number = TakeDebugNumber(as);
-    WriteNameRecord(as, number, symbol.name);
-    WriteCheckedRecord(as, "ATN%X,7,10,%d,0,%s.\r\n", number, FixedOrSettable(symbol), ValueText(symbol).c_str());
+    record.Put("NN").Hex(number).Put(",").CountedName(symbol.name).End();
+    record.Put("ATN").Hex(number).Put(",7,10,").Hex(FixedOrSettable(symbol)).Put(",0,").Value(symbol).End();
   });
   if (found && header) WriteCheckedRecord(as, "BE3.\r\n");
   return header && !found;
