@@ -5,6 +5,7 @@
 #include "output/debug_records.h"
 
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -50,23 +51,22 @@ void AddLineRecord(Assembler& as, uint32_t line, const SegmentEntry* segment, ui
 // written in one piece.
 class Record {
  public:
-  explicit Record(Assembler& as) : as_(as) {}
+  explicit Record(Assembler& as) : as_(as), text_(256, '\0') {}
 
   Record& Put(std::string_view text) {
-    text_.append(text);
+    std::memcpy(Room(text.size()), text.data(), text.size());
+    used_ += text.size();
     return *this;
   }
-  // Upper-case hexadecimal, at least `width` digits.
+  // Upper-case hexadecimal, at least `width` digits (at most 8).
   Record& Hex(uint32_t value, size_t width = 1) {
     static constexpr char kDigits[] = "0123456789ABCDEF";
-    char digits[8];
-    size_t count = 0;
-    do {
-      digits[count++] = kDigits[value & 15];
-      value >>= 4;
-    } while (value != 0);
-    while (count < width) digits[count++] = '0';
-    while (count > 0) text_ += digits[--count];
+    size_t digits = 1;
+    while (digits < 8 && (value >> (4 * digits)) != 0) ++digits;
+    if (digits < width) digits = width;
+    char* end = Room(digits) + digits;
+    for (size_t i = 0; i < digits; ++i, value >>= 4) *--end = kDigits[value & 15];
+    used_ += digits;
     return *this;
   }
   Record& Signed(int32_t value) { return Hex(static_cast<uint32_t>(value)); }
@@ -87,16 +87,22 @@ class Record {
     return Signed(symbol.value);
   }
   void End() {
-    text_.append(".\r\n");
+    Put(".\r\n");
     FILE* stream = as_.ObjectStream;
-    if (stream == nullptr || std::fwrite(text_.data(), 1, text_.size(), stream) != text_.size())
-      ReportError(as_, 25, false);
-    text_.clear();
+    if (stream == nullptr || fwrite_unlocked(text_.data(), 1, used_, stream) != used_) ReportError(as_, 25, false);
+    used_ = 0;
   }
 
  private:
+  // Where `count` more characters go; the buffer grows for long names.
+  char* Room(size_t count) {
+    if (used_ + count > text_.size()) text_.resize(2 * (used_ + count));
+    return text_.data() + used_;
+  }
+
   Assembler& as_;
   std::string text_;
+  size_t used_ = 0;
 };
 
 // A name in quotes, its length counting them; the module's block has two
