@@ -8,6 +8,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/diagnostics.h"
 #include "directives/bank_state.h"
@@ -116,15 +117,30 @@ uint32_t FixedOrSettable(const SymbolEntry& symbol) { return (symbol.flags & kSy
 
 // One block per file, in the order in which the files first gave code; a
 // block holds that file's lines in the order of their code.
+// The entries grouped by file, each group in the order of code, and where
+// each group starts (one more than files): one pass to count, one to place,
+// so that many files cost no more than one.
+std::vector<const LineEntry*> GroupByFile(const DebugState& debug, std::vector<uint32_t>& groupStart) {
+  groupStart.assign(debug.LineFiles.size() + 1, 0);
+  for (const LineEntry& entry : debug.DebugLineTable) ++groupStart[entry.file + 1];
+  for (size_t file = 1; file < groupStart.size(); ++file) groupStart[file] += groupStart[file - 1];
+  std::vector<const LineEntry*> grouped(debug.DebugLineTable.size());
+  std::vector<uint32_t> next(groupStart.begin(), groupStart.end() - 1);
+  for (const LineEntry& entry : debug.DebugLineTable) grouped[next[entry.file]++] = &entry;
+  return grouped;
+}
+
 void WriteLineBlocks(Assembler& as) {
   const DebugState& debug = as.Debug;
+  std::vector<uint32_t> groupStart;
+  const std::vector<const LineEntry*> grouped = GroupByFile(debug, groupStart);
+  Record record(as);
   for (uint32_t file = 0; file < debug.LineFiles.size(); ++file) {
-    uint32_t number = TakeDebugNumber(as);
+    const uint32_t number = TakeDebugNumber(as);
     WriteBlockStart(as, 5, debug.LineFiles[file]);
     WriteCheckedRecord(as, "NN%X,00.\r\n", number);
-    Record record(as);
-    for (const LineEntry& entry : debug.DebugLineTable) {
-      if (entry.file != file) continue;
+    for (uint32_t at = groupStart[file]; at < groupStart[file + 1]; ++at) {
+      const LineEntry& entry = *grouped[at];
       record.Put("ATN").Hex(number).Put(",0,7,").Hex(entry.line, 2).Put(",0").End();
       record.Put("ASN").Hex(number).Put(",").Address(entry.address).End();
     }
