@@ -161,7 +161,7 @@ bool IsCompilerSegment(const SegmentEntry* segment) {
 bool SymbolWanted(const SymbolEntry& symbol, int32_t relocation) {
   if (symbol.relocation != relocation || symbol.type == T_MACRO || symbol.type == T_NAMEDMACRO) return false;
   if (symbol.chain == kFileScopeChain) return true;
-  if ((symbol.flags & kSymPredefined) != 0 || symbol.relocation == REL_XREF) return false;
+  if ((symbol.flags & kSymPredefined) != 0) return false;
   if (IsCompilerSegment(symbol.segment)) return false;
   switch (symbol.type) {
     case T_RSEGMENT: case T_SET: case T_REGEQU: case T_REGSET: case T_MACROVALUE: return false;
