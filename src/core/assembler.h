@@ -76,6 +76,13 @@ constexpr int8_t kWholeInstructionFixup = 20;
 // Bytes that one DB or DW statement may store.
 constexpr int32_t kDataStatementLimit = 256;
 
+// The list layout that every pass starts from; FIELDS, PAGEWIDTH and PAGE
+// change it from the line where they stand.
+constexpr int32_t kDefaultLabelFieldWidth = 10;
+constexpr int32_t kDefaultOpcodeFieldWidth = 10;
+constexpr int32_t kDefaultOperandFieldWidth = 18;
+constexpr int32_t kDefaultPageLength = 66;
+
 // Thrown by Terminate; caught only by the entry point.
 struct RunTerminated {
   bool success;
@@ -116,12 +123,12 @@ struct Assembler {
   std::optional<std::string> ModuleNameOption;
   std::vector<std::pair<std::string, std::string>> CommandLineDefines;  // `/DNAME=VALUE`
   int32_t ListSourceColumn = 22;
-  int32_t LabelFieldWidth = 10;
-  int32_t OpcodeFieldWidth = 10;
-  int32_t OperandFieldWidth = 18;
+  int32_t LabelFieldWidth = kDefaultLabelFieldWidth;
+  int32_t OpcodeFieldWidth = kDefaultOpcodeFieldWidth;
+  int32_t OperandFieldWidth = kDefaultOperandFieldWidth;
   int32_t ListLineLimit = 0;
   int32_t PageWidth = 80;
-  int32_t PageLength = 66;
+  int32_t PageLength = kDefaultPageLength;
   bool PercentDialect = false;
 
   // --- Files ----------------------------------------------------------

@@ -194,7 +194,7 @@ void PrintClosingMessage(Assembler& as) {
 }  // namespace
 
 void ResetPassState(Assembler& as) {
-  as.NewPageWanted = true;
+  StartListPass(as);
   as.EndSeen = false;
   as.InMacroExpansion = false;
   as.InIncludeFile = false;
@@ -203,7 +203,6 @@ void ResetPassState(Assembler& as) {
   as.Conditional.Reset();
   as.WarningCount = 0;
   as.ErrorCount = 0;
-  as.PageNumber = 0;
   as.UniqueLabelCounter = 0;
   as.Macros.StartPass();
   as.Percent.StartPass();

@@ -305,11 +305,13 @@ int ProcessInclude(Assembler& as) {
   IncludeName include = ReadIncludeName(as);
   if (!include.valid) return 0;
   IncludeFrame frame = SaveFrame(as);
-  as.CurrentFileName = FullPath(include.name);
   SkipBlanks(as);
   as.CommentOffset = as.Line.offset;
   as.ShowLineValue = false;
+  // Listed under the name of its own file: a page that starts here names
+  // the file that holds the INCLUDE.
   if (as.opt.LIST) ListLine(as);
+  as.CurrentFileName = FullPath(include.name);
   ReadIncludedFile(as, include);
   RestoreFrame(as, frame);
   as.ListThisLine = false;

@@ -38,15 +38,20 @@ bool IsFreeMacroName(std::string_view name) {
   return FindOption(word) == kNoOption && IsFreeLabelName(word);
 }
 
-// The walk over a definition: the second pass's, and the first pass's after
-// a refused name. Lists the definition under MD; the closing line goes back
-// to the pass loop, which lists it as a comment line.
-void SkipMacroDefinition(Assembler& as, const char* terminator) {
+// The lines of a definition list as plain text, with MD.
+void ListDefinitionLine(Assembler& as) {
   as.CommentLine = true;
   as.CodeLength = 0;
   as.ShowLineValue = false;
   as.CommentOffset = 0;
   if (as.opt.LIST && as.opt.MD) ListLine(as);
+}
+
+// The walk over a definition: the second pass's, and the first pass's after
+// a refused name. Lists the definition under MD; the closing line goes back
+// to the pass loop, which lists it as a comment line.
+void SkipMacroDefinition(Assembler& as, const char* terminator) {
+  ListDefinitionLine(as);
   while (true) {
     if (!FetchCountedLine(as)) {
       ReportError(as, 43);
@@ -62,8 +67,10 @@ void SkipMacroDefinition(Assembler& as, const char* terminator) {
 }
 
 // Reads the body up to its terminator. The terminator stays the current
-// line, marked to list as plain text as in the second pass.
+// line, marked to list as plain text as in the second pass. A first pass
+// that is listed (LISTF) shows the definition as the second pass does.
 void ReadMacroBody(Assembler& as, SymbolEntry& macro, const char* terminator) {
+  ListDefinitionLine(as);
   while (true) {
     if (!FetchCountedLine(as)) {
       ReportError(as, 43);
@@ -76,7 +83,10 @@ void ReadMacroBody(Assembler& as, SymbolEntry& macro, const char* terminator) {
       if (as.FromSourceFile) --as.LineNumber;
       continue;
     }
-    switch (TakeDefinitionLine(as, macro, terminator)) {
+    as.LabelOffset = as.OpcodeOffset = as.OperandOffset = 0;
+    const DefinitionLine line = TakeDefinitionLine(as, macro, terminator);
+    if (line != DefinitionLine::Closes) ListDefinitionLine(as);
+    switch (line) {
       case DefinitionLine::Stored: break;
       case DefinitionLine::Nests: ReportError(as, 44); return;
       case DefinitionLine::Closes:

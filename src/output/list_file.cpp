@@ -98,12 +98,25 @@ void Put(ListRow& row, std::string_view text) {
   row.Column += static_cast<int32_t>(text.size());
 }
 
+// Padding wider than the room left goes in pieces that fit the buffer.
+void PutBlanksInPieces(ListRow& row, size_t count) {
+  ListBuffer& buffer = row.as.ListPending;
+  while (count != 0) {
+    if (buffer.used == ListBuffer::kCapacity) FlushListBuffer(row.as);
+    const size_t piece = std::min(count, ListBuffer::kCapacity - buffer.used);
+    std::memset(buffer.data.get() + buffer.used, ' ', piece);
+    buffer.used += piece;
+    count -= piece;
+  }
+}
+
 void PutBlanks(ListRow& row, int32_t count) {
   ListBuffer& buffer = row.as.ListPending;
-  if (static_cast<size_t>(count) > ListBuffer::kCapacity - buffer.used) FlushListBuffer(row.as);
-  std::memset(buffer.data.get() + buffer.used, ' ', static_cast<size_t>(count));
-  buffer.used += static_cast<size_t>(count);
   row.Column += count;
+  const size_t blanks = static_cast<size_t>(count);
+  if (blanks > ListBuffer::kCapacity - buffer.used) return PutBlanksInPieces(row, blanks);
+  std::memset(buffer.data.get() + buffer.used, ' ', blanks);
+  buffer.used += blanks;
 }
 
 // Ends the row's text, then what writes straight to the stream may follow.
@@ -310,6 +323,17 @@ void NewPage(Assembler& as) {
   as.LineCount = 3;
 }
 
+void StartListPass(Assembler& as) {
+  as.LabelFieldWidth = kDefaultLabelFieldWidth;
+  as.OpcodeFieldWidth = kDefaultOpcodeFieldWidth;
+  as.OperandFieldWidth = kDefaultOperandFieldWidth;
+  as.ListLineLimit = 0;
+  as.WidthChanged = false;
+  as.PageLength = kDefaultPageLength;
+  as.NewPageWanted = true;
+  as.PageNumber = 0;
+}
+
 void ListBlankLine(Assembler& as) {
   if (as.ListStream != nullptr) WriteSettled(as, "\n");
   ++as.LineCount;
@@ -473,6 +497,9 @@ void SkipBlanks(LineCursor& line) {
   while (line.Peek() == ' ' || line.Peek() == '\t') ++line.offset;
 }
 
+// Wider fields would only pad every listed line with hundreds of blanks.
+constexpr int32_t kFieldWidthLimit = 255;
+
 bool AtStatementEnd(const LineCursor& line) {
   const char c = line.Peek();
   if (c == '\n' || c == '\0' || c == ';') return true;
@@ -481,9 +508,12 @@ bool AtStatementEnd(const LineCursor& line) {
 
 }  // namespace
 
+// The widths take effect together, once all of them have been read, so a
+// statement with an error changes nothing.
 int FieldsDirective(Assembler& as) {
   as.ShowLineValue = false;
-  int32_t* const widths[] = {&as.LabelFieldWidth, &as.OpcodeFieldWidth, &as.OperandFieldWidth};
+  int32_t* const fields[] = {&as.LabelFieldWidth, &as.OpcodeFieldWidth, &as.OperandFieldWidth};
+  int32_t widths[] = {as.LabelFieldWidth, as.OpcodeFieldWidth, as.OperandFieldWidth};
   for (int place = 0; place < 3; ++place) {
     SkipBlanks(as.Line);
     if (place > 0) {
@@ -495,8 +525,10 @@ int FieldsDirective(Assembler& as) {
     if (as.Line.Peek() == ',' || AtStatementEnd(as.Line)) continue;
     const int32_t value = EvaluateAbsolute(as);
     if (as.LineHasError) return 0;
-    *widths[place] = value;
+    if (value < 0 || value > kFieldWidthLimit) return ReportError(as, 28);
+    widths[place] = value;
   }
+  for (int place = 0; place < 3; ++place) *fields[place] = widths[place];
   return 12;
 }
 

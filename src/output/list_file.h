@@ -11,6 +11,9 @@ namespace ta51 {
 void ListLine(Assembler& as);
 // Counts a page and, with PAGE on, writes the page break and the header.
 void NewPage(Assembler& as);
+// Before each pass: the layout of the run's start, and a new page at the
+// first listed line, counted from 1.
+void StartListPass(Assembler& as);
 // One empty line, counted on the page.
 void ListBlankLine(Assembler& as);
 // Symbols, bit addresses, register variables and the register banks used.

@@ -260,7 +260,7 @@ int32_t CConstExpr::Defined() {
     Report(11, "defined needs a name");
     return 0;
   }
-  bool found = FindCMacro(as_, std::string_view(text_).substr(start, at_ - start), true) != nullptr;
+  bool found = FindCMacro(as_, std::string_view(text_).substr(start, at_ - start)) != nullptr;
   if (parenthesis) {
     SkipSpace();
     if (Peek() == ')')

@@ -27,19 +27,20 @@ inline bool CStyleMayAct(const Assembler& as) {
 // directive leaves a /* comment open.
 bool RunCStyleStage(Assembler& as, bool& inComment);
 
-// The start of each pass: the stage begins to act, and the macros of the
-// command line (/DNAME[=VALUE]) are made before the first line is read.
+// The start of each pass: the stage begins to act. Before the first line of
+// the first pass the macros of the command line (/DNAME[=VALUE]) are made;
+// the second pass starts with the table as the first left it.
 void StartCStylePass(Assembler& as);
 // The end of the first pass when the input ran out: a block still open is
 // reported.
 void FinishCStylePass(Assembler& as);
 
 // Expands the macros in `text` in place. `conditionView` is the view of #if:
-// only macros made in the running pass count, and the name behind `defined`
-// stays as written. False after a report; `text` is then unchanged.
+// the name behind `defined` stays as written, and `'` quotes as in C. False
+// after a report; `text` is then unchanged.
 bool ExpandCMacros(Assembler& as, std::string& text, bool conditionView);
 
-// Finds a macro by name; `conditionView` as above.
-const CMacro* FindCMacro(const Assembler& as, std::string_view name, bool conditionView);
+// Finds a macro by name.
+const CMacro* FindCMacro(const Assembler& as, std::string_view name);
 
 }  // namespace ta51

@@ -19,7 +19,6 @@ namespace {
 struct ParsedDirective {
   int code = 0;
   std::string name;  // the name of #define, #undef, #ifdef, #ifndef; empty if none
-  bool functionLike = false;
   std::vector<std::string> parameters;
   std::string parameterError;  // set when the parameter list is malformed
   std::string raw;             // the raw operand, without its line end
@@ -107,11 +106,10 @@ class DirectiveScanner {
   size_t at_ = 0;
 };
 
-// `(a, b)` right behind the name of a #define; `()` makes a macro with no
-// parameters that is still called with parentheses.
+// `(a, b)` right behind the name of a #define. An empty list is no list:
+// `#define F() x` has no parameters, and `F()` in a line gives `x()`.
 void ReadParameterList(DirectiveScanner& scanner, ParsedDirective& d) {
   scanner.Take('(');
-  d.functionLike = true;
   if (scanner.Take(')')) return;
   while (true) {
     std::string_view parameter = scanner.Name();
@@ -174,28 +172,14 @@ void RebuildNameFilter(CStyleProcessor& c) {
   for (const auto& entry : c.Macros) c.MarkDefined(NameHash(entry.first));
 }
 
-// An object-like body has its `##` joined once, when it is defined.
-std::string JoinPastes(std::string body) {
-  size_t paste;
-  while ((paste = body.find("##")) != std::string::npos) {
-    size_t start = paste, end = paste + 2;
-    while (start > 0 && IsBlank(body[start - 1])) --start;
-    while (end < body.size() && IsBlank(body[end])) ++end;
-    body.erase(start, end - start);
-  }
-  return body;
-}
-
 void DefineCMacro(Assembler& as, ParsedDirective& d, bool fromSource = true) {
   if (d.name.empty()) return Complain(as, 11, "#define needs a name", fromSource);
   if (!d.parameterError.empty()) return Complain(as, 11, d.parameterError, fromSource);
   CStyleProcessor& c = as.CStyle;
   CMacro& macro = c.Macros[d.name];
   macro.Name = d.name;
-  macro.FunctionLike = d.functionLike;
   macro.Parameters = std::move(d.parameters);
-  macro.Body = d.functionLike ? std::move(d.raw) : JoinPastes(std::move(d.raw));
-  macro.Pass = c.Pass;
+  macro.Body = std::move(d.raw);
   c.MarkDefined(NameHash(d.name));
 }
 
@@ -215,7 +199,7 @@ bool ConditionHolds(Assembler& as, const ParsedDirective& d) {
     Complain(as, 11, d.code == kCIfdef ? "#ifdef needs a name" : "#ifndef needs a name");
     return d.code == kCIfndef;  // the name counts as undefined
   }
-  bool defined = FindCMacro(as, d.name, true) != nullptr;
+  bool defined = FindCMacro(as, d.name) != nullptr;
   return d.code == kCIfdef ? defined : !defined;
 }
 
@@ -292,6 +276,24 @@ bool RewriteInclude(Assembler& as, const ParsedDirective& d) {
   return true;
 }
 
+// The lines of a block may differ between the passes, as the table stands
+// through both: a guard that the first pass enters is closed in the second.
+// Code or data that this leaves out would move what follows it, so an
+// #endif that closes the outermost block must stand where the first pass
+// met it. (Inside, the passes may take other branches of the same size.)
+void CheckOutermostEndif(Assembler& as) {
+  const SegmentEntry* segment = as.CurrentSegment;
+  std::string place = as.CurrentFileName + '(' + std::to_string(as.LineNumber) + ") " +
+                      std::to_string(segment == nullptr ? -1 : segment->number) + ':' +
+                      std::to_string(segment == nullptr ? 0 : segment->location);
+  std::unordered_set<std::string>& places = as.CStyle.FirstPassPlaces;
+  if (!as.SecondPass) {
+    places.insert(std::move(place));
+    return;
+  }
+  if (places.count(place) == 0) Complain(as, 17, "code before this #endif differs from the first pass");
+}
+
 // Carries out a directive; true only for a delivered #include.
 bool CarryOut(Assembler& as, ParsedDirective& d) {
   CStyleProcessor& c = as.CStyle;
@@ -311,7 +313,12 @@ bool CarryOut(Assembler& as, ParsedDirective& d) {
         OpenBlock(as, ConditionHolds(as, d));
       return false;
     case kCElse: case kCElif: ElseOrElif(as, d); return false;
-    case kCEndif: Endif(as); return false;
+    case kCEndif: {
+      bool open = c.DirectiveState != 0;
+      Endif(as);
+      if (open && c.DirectiveState == 0) CheckOutermostEndif(as);
+      return false;
+    }
     default: return false;
   }
 }
@@ -348,8 +355,8 @@ bool RunCStyleStage(Assembler& as, bool& inComment) {
 void StartCStylePass(Assembler& as) {
   CStyleProcessor& c = as.CStyle;
   c.Running = true;
-  c.Pass = as.SecondPass;
   c.PassCharacters = 0;
+  if (as.SecondPass) return;
   for (const auto& [name, body] : as.CommandLineDefines) {
     ParsedDirective d;
     ParseDirective(name + " " + body + "\n", "define", d);

@@ -5,10 +5,15 @@
 // replacement goes in front of it in time proportional to its own length and
 // is scanned again in its turn.
 //
-// Recursion: as in C, a macro is not replaced inside its own replacement (the
-// replacement is "painted" with it), so `#define A A` leaves A alone and a
-// cycle of macros stops when it comes back to its first name. What escapes
-// the paint by taking arguments from behind a replacement is bounded by the
+// A call reads its arguments as text: each runs to the next `,` or `)`,
+// parentheses are not counted, and the arguments are put into the body one
+// after the other, each in turn searched by the later parameters.
+//
+// Recursion: a macro is not replaced inside its own replacement (the text
+// that came from its body is "painted" with it), so `#define A A` leaves A
+// alone and a cycle of macros stops when it comes back to its first name.
+// Text that came from an argument is the caller's and is not painted, so
+// `F(F(1))` calls F twice. What escapes the paint that way is bounded by the
 // length of the line and by the characters one line may receive.
 #include <array>
 #include <string>
@@ -29,14 +34,11 @@ constexpr size_t kExpandedLineLimit = 65536;
 // must still end in seconds.
 constexpr size_t kReplacementBudget = size_t{1} << 22;
 constexpr uint64_t kPassBudget = uint64_t{1} << 28;
-// Macro calls in the arguments of macro calls, each expanded on its own.
-constexpr size_t kArgumentNestingLimit = 64;
 
 constexpr std::string_view kLineTooLong = "#define macros make the line longer than 65536 characters";
 constexpr std::string_view kBudgetSpent = "#define macros put more than 4194304 characters into one line";
 constexpr std::string_view kPassBudgetSpent =
     "#define macros put more than 268435456 characters into the lines of one pass";
-constexpr std::string_view kNestedTooDeep = "#define macro calls nest more than 64 deep in arguments";
 
 enum : uint8_t { kOther = 0, kWordChar = 1, kWordStart = 3 };
 
@@ -56,12 +58,10 @@ bool IsWordStart(char c) { return kCharClasses[static_cast<unsigned char>(c)] ==
 bool IsWordChar(char c) { return kCharClasses[static_cast<unsigned char>(c)] != kOther; }
 bool IsLineSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f'; }
 
-const CMacro* Lookup(const CStyleProcessor& c, std::string_view word, uint32_t hash, bool conditionView) {
+const CMacro* Lookup(const CStyleProcessor& c, std::string_view word, uint32_t hash) {
   if (!c.MayBeDefined(hash)) return nullptr;
   auto found = c.Macros.find(word);
-  if (found == c.Macros.end()) return nullptr;
-  if (conditionView && found->second.Pass != c.Pass) return nullptr;
-  return &found->second;
+  return found == c.Macros.end() ? nullptr : &found->second;
 }
 
 // Whether the quote `c` protects the text up to its partner: `"` always, `'`
@@ -120,24 +120,10 @@ size_t FirstReplacement(const CStyleProcessor& c, std::string_view text, bool co
       at = SkipDefinedOperand(text, at);
       continue;
     }
-    const CMacro* macro = Lookup(c, word, hash, conditionView);
-    if (macro != nullptr && (!macro->FunctionLike || ParenFollows(text, at))) return start;
+    const CMacro* macro = Lookup(c, word, hash);
+    if (macro != nullptr && (macro->Parameters.empty() || ParenFollows(text, at))) return start;
   }
   return std::string_view::npos;
-}
-
-int ParameterIndex(const CMacro& macro, std::string_view word) {
-  for (size_t i = 0; i < macro.Parameters.size(); ++i)
-    if (macro.Parameters[i] == word) return static_cast<int>(i);
-  return -1;
-}
-
-// Whether `##` stands next to the word [start, end) of a body.
-bool Pasted(std::string_view body, size_t start, size_t end) {
-  while (start > 0 && IsLineSpace(body[start - 1])) --start;
-  if (start >= 2 && body[start - 1] == '#' && body[start - 2] == '#') return true;
-  while (end < body.size() && IsLineSpace(body[end])) ++end;
-  return end + 1 < body.size() && body[end] == '#' && body[end + 1] == '#';
 }
 
 void TrimSpaces(std::string& text) {
@@ -146,56 +132,68 @@ void TrimSpaces(std::string& text) {
 
 class Expander {
  public:
-  Expander(Assembler& as, bool conditionView) : as_(as), c_(as.CStyle), conditionView_(conditionView) {}
-
-  CExpansionLevel& Level(size_t depth) {
-    while (c_.Levels.size() <= depth) c_.Levels.emplace_back();
-    return c_.Levels[depth];
-  }
+  Expander(Assembler& as, bool conditionView)
+      : as_(as), c_(as.CStyle), work_(as.CStyle.Work), conditionView_(conditionView) {}
 
   // Expands `text` from `from` on (what stands before is copied) into
-  // Level(depth).Out. False after a report. The paint of its ranges is
-  // taken off again on every way out.
-  bool Run(std::string_view text, size_t depth, size_t from) {
-    CExpansionLevel& level = Level(depth);
-    level.Out.assign(text.substr(0, from));
-    level.Pending.assign(text.rbegin(), text.rend() - static_cast<std::ptrdiff_t>(from));
-    bool done = Scan(level, depth);
-    while (!level.Ranges.empty()) PopRange(level);
+  // work_.Out. False after a report. The paint is taken off again on every
+  // way out.
+  bool Run(std::string_view text, size_t from) {
+    work_.Out.assign(text.substr(0, from));
+    work_.Pending.assign(text.rbegin(), text.rend() - static_cast<std::ptrdiff_t>(from));
+    bool done = Scan();
+    while (!work_.Ranges.empty()) PopRange();
     return done;
   }
 
  private:
-  bool Scan(CExpansionLevel& level, size_t depth) {
-    while (!level.Pending.empty()) {
-      while (!level.Ranges.empty() && level.Ranges.back().stop >= level.Pending.size()) PopRange(level);
-      char ch = level.Pending.back();
+  bool Scan() {
+    std::string& pending = work_.Pending;
+    while (!pending.empty()) {
+      Settle();
+      char ch = pending.back();
       if (IsQuote(ch, conditionView_)) {
-        CopyQuoted(level);
-      } else if (ch == '/' && Ahead(level, 1) == '/') {
-        level.Out.append(level.Pending.rbegin(), level.Pending.rend());
-        level.Pending.clear();
+        CopyQuoted();
+      } else if (ch == '/' && Ahead(1) == '/') {
+        work_.Out.append(pending.rbegin(), pending.rend());
+        pending.clear();
       } else if (!IsWordStart(ch)) {
-        level.Out += ch;
-        level.Pending.pop_back();
-      } else if (!Word(level, depth)) {
+        work_.Out += ch;
+        pending.pop_back();
+      } else if (!Word()) {
         return false;
       }
     }
     return true;
   }
 
-  static void PopRange(CExpansionLevel& level) {
-    --level.Ranges.back().macro->Painted;
-    level.Ranges.pop_back();
+  // The paint at the front of the pending text: pieces passed are taken
+  // off, pieces reached are counted.
+  void Settle() {
+    std::vector<CPaintRange>& ranges = work_.Ranges;
+    const size_t front = work_.Pending.size();
+    while (!ranges.empty() && ranges.back().stop >= front) PopRange();
+    for (size_t i = ranges.size(); i-- > 0;) {
+      CPaintRange& range = ranges[i];
+      if (range.active || range.begin < front) break;
+      range.active = true;
+      ++range.macro->Painted;
+    }
   }
 
-  static char Ahead(const CExpansionLevel& level, size_t k) {
-    return k < level.Pending.size() ? level.Pending[level.Pending.size() - 1 - k] : '\0';
+  void PopRange() {
+    const CPaintRange& range = work_.Ranges.back();
+    if (range.active) --range.macro->Painted;
+    work_.Ranges.pop_back();
   }
-  static char Take(CExpansionLevel& level) {
-    char ch = level.Pending.back();
-    level.Pending.pop_back();
+
+  char Ahead(size_t k) const {
+    const std::string& pending = work_.Pending;
+    return k < pending.size() ? pending[pending.size() - 1 - k] : '\0';
+  }
+  char Take() {
+    char ch = work_.Pending.back();
+    work_.Pending.pop_back();
     return ch;
   }
 
@@ -205,181 +203,195 @@ class Expander {
     return false;
   }
 
-  void CopyQuoted(CExpansionLevel& level) {
-    char quote = Take(level);
-    level.Out += quote;
-    while (!level.Pending.empty() && level.Pending.back() != quote && level.Pending.back() != '\n') {
-      if (conditionView_ && level.Pending.back() == '\\' && Ahead(level, 1) != '\n' && level.Pending.size() > 1)
-        level.Out += Take(level);
-      level.Out += Take(level);
+  void CopyQuoted() {
+    const std::string& pending = work_.Pending;
+    char quote = Take();
+    work_.Out += quote;
+    while (!pending.empty() && pending.back() != quote && pending.back() != '\n') {
+      if (conditionView_ && pending.back() == '\\' && Ahead(1) != '\n' && pending.size() > 1) work_.Out += Take();
+      work_.Out += Take();
     }
-    if (!level.Pending.empty() && level.Pending.back() == quote) level.Out += Take(level);
+    if (!pending.empty() && pending.back() == quote) work_.Out += Take();
   }
 
-  void CopyDefinedOperand(CExpansionLevel& level) {
-    while (!level.Pending.empty() && IsLineSpace(level.Pending.back())) level.Out += Take(level);
-    if (!level.Pending.empty() && level.Pending.back() == '(') level.Out += Take(level);
-    while (!level.Pending.empty() && IsLineSpace(level.Pending.back())) level.Out += Take(level);
-    while (!level.Pending.empty() && IsWordChar(level.Pending.back())) level.Out += Take(level);
+  void CopyDefinedOperand() {
+    const std::string& pending = work_.Pending;
+    while (!pending.empty() && IsLineSpace(pending.back())) work_.Out += Take();
+    if (!pending.empty() && pending.back() == '(') work_.Out += Take();
+    while (!pending.empty() && IsLineSpace(pending.back())) work_.Out += Take();
+    while (!pending.empty() && IsWordChar(pending.back())) work_.Out += Take();
   }
 
-  bool ParenAhead(const CExpansionLevel& level) const {
+  bool ParenAhead() const {
     size_t k = 0;
-    while (k < level.Pending.size() && IsLineSpace(Ahead(level, k))) ++k;
-    return Ahead(level, k) == '(';
+    while (k < work_.Pending.size() && IsLineSpace(Ahead(k))) ++k;
+    return Ahead(k) == '(';
   }
 
   // The word at the front of the pending text, replaced if it names a macro.
-  bool Word(CExpansionLevel& level, size_t depth) {
-    size_t wordAt = level.Out.size();
+  bool Word() {
+    std::string& out = work_.Out;
+    size_t wordAt = out.size();
     uint32_t hash = kNameHashSeed;
-    while (!level.Pending.empty() && IsWordChar(level.Pending.back())) {
-      char ch = Take(level);
-      level.Out += ch;
+    while (!work_.Pending.empty() && IsWordChar(work_.Pending.back())) {
+      char ch = Take();
+      out += ch;
       hash = NameHashStep(hash, ch);
     }
-    std::string_view word(level.Out.data() + wordAt, level.Out.size() - wordAt);
+    std::string_view word(out.data() + wordAt, out.size() - wordAt);
     if (conditionView_ && word == kCDefinedOperator) {
-      CopyDefinedOperand(level);
+      CopyDefinedOperand();
       return true;
     }
-    const CMacro* macro = Lookup(c_, word, hash, conditionView_);
+    const CMacro* macro = Lookup(c_, word, hash);
     if (macro == nullptr || macro->Painted > 0) return true;
-    if (!macro->FunctionLike) {
-      level.Out.resize(wordAt);
-      return Push(level, macro->Body, macro);
+    if (macro->Parameters.empty()) {
+      out.resize(wordAt);
+      return Push(macro->Body, nullptr, macro);
     }
-    if (!ParenAhead(level)) return true;  // a name of its own, as in C
-    level.Out.resize(wordAt);
-    if (!ReadArguments(level, *macro) || !Substitute(level, *macro, depth)) return false;
-    return Push(level, level.Body, macro);
-  }
-
-  // The arguments of a call, from its `(` to the matching `)`. Parentheses
-  // nest, and text in double quotes is taken whole.
-  bool ReadArguments(CExpansionLevel& level, const CMacro& macro) {
-    while (level.Pending.back() != '(') level.Pending.pop_back();
-    level.Pending.pop_back();
+    if (!ParenAhead()) return true;  // no call: the name stands for itself
+    out.resize(wordAt);
     size_t count = 0;
-    auto next = [&]() -> std::string& {
-      if (count == level.Arguments.size()) level.Arguments.emplace_back();
-      level.Arguments[count].clear();
-      return level.Arguments[count++];
-    };
-    std::string* argument = &next();
-    int nesting = 0;
-    while (true) {
-      if (level.Pending.empty() || level.Pending.back() == '\n')
-        return Fail(5, "arguments of " + macro.Name);
-      char ch = Take(level);
-      if (ch == ')' && nesting == 0) break;
-      if (ch == ',' && nesting == 0) {
-        argument = &next();
-        continue;
-      }
-      if (ch == '(') ++nesting;
-      if (ch == ')') --nesting;
-      *argument += ch;
-      if (IsQuote(ch, conditionView_)) {
-        while (!level.Pending.empty() && level.Pending.back() != ch && level.Pending.back() != '\n')
-          *argument += Take(level);
-        if (!level.Pending.empty() && level.Pending.back() == ch) *argument += Take(level);
-      }
-    }
-    for (size_t i = 0; i < count; ++i) {
-      std::string& text = level.Arguments[i];
-      TrimSpaces(text);
-      size_t lead = 0;
-      while (lead < text.size() && IsLineSpace(text[lead])) ++lead;
-      text.erase(0, lead);
-    }
-    size_t wanted = macro.Parameters.size();
-    if (wanted == 0 && count == 1 && level.Arguments[0].empty()) count = 0;
-    if (count == wanted) return true;
-    return Fail(11, macro.Name + " takes " + std::to_string(wanted) + " argument" + (wanted == 1 ? "" : "s") +
-                        ", " + std::to_string(count) + " given");
+    if (!ReadArguments(*macro, count) || !Substitute(*macro, count)) return false;
+    return Push(work_.Body, &work_.BodyPaint, macro);
   }
 
-  // The argument of parameter `index`, its own macros expanded as if it
-  // stood alone. The ranges around the call stay painted meanwhile.
-  bool ExpandArgument(CExpansionLevel& level, size_t index, size_t depth) {
-    if (depth + 1 >= kArgumentNestingLimit) return Fail(6, kNestedTooDeep);
-    CExpansionLevel& inner = Level(depth + 1);
-    if (!Run(level.Arguments[index], depth + 1, 0)) return false;
-    level.ExpandedArguments[index] = inner.Out;
-    level.Expanded[index] = true;
+  // The arguments of a call: each is the text up to the next `,` or `)`,
+  // without the white space around it. A `)` ends the list, and so does the
+  // `,` behind the last parameter's argument; what follows stays on the line.
+  bool ReadArguments(const CMacro& macro, size_t& count) {
+    std::string& pending = work_.Pending;
+    while (pending.back() != '(') pending.pop_back();
+    pending.pop_back();
+    for (count = 0; count < macro.Parameters.size();) {
+      if (count == work_.Arguments.size()) work_.Arguments.emplace_back();
+      std::string& argument = work_.Arguments[count++];
+      argument.clear();
+      while (!pending.empty() && IsLineSpace(pending.back())) pending.pop_back();
+      while (!pending.empty() && pending.back() != ',' && pending.back() != ')' && pending.back() != '\n')
+        argument += Take();
+      if (pending.empty() || pending.back() == '\n') return Fail(5, "arguments of " + macro.Name);
+      TrimSpaces(argument);
+      if (Take() == ')') break;
+    }
     return true;
   }
 
-  // The body with its arguments put in: an argument next to `##` as written,
-  // any other expanded first. `##` goes with the blanks around it.
-  bool Substitute(CExpansionLevel& level, const CMacro& macro, size_t depth) {
-    const std::string& body = macro.Body;
-    level.Body.clear();
-    level.Expanded.assign(macro.Parameters.size(), false);
-    if (level.ExpandedArguments.size() < macro.Parameters.size()) level.ExpandedArguments.resize(macro.Parameters.size());
+  // Puts the arguments into a copy of the body, one parameter after the
+  // other, and then removes each `##` with the white space around it.
+  bool Substitute(const CMacro& macro, size_t count) {
+    work_.Body = macro.Body;
+    work_.BodyPaint.assign(macro.Body.size(), 1);
+    for (size_t i = 0; i < count; ++i)
+      if (!ReplaceParameter(macro.Parameters[i], work_.Arguments[i])) return false;
+    RemovePastes();
+    return true;
+  }
+
+  // Characters [from, to) of the body onto the copy being made.
+  void CopyBody(size_t from, size_t to) {
+    work_.Scratch.append(work_.Body, from, to - from);
+    work_.ScratchPaint.append(work_.BodyPaint, from, to - from);
+  }
+  void SwapCopy() {
+    work_.Body.swap(work_.Scratch);
+    work_.BodyPaint.swap(work_.ScratchPaint);
+  }
+
+  // Each word of the body that equals `parameter` becomes `argument`; the
+  // scan goes on behind the inserted text. Quoted text is skipped.
+  bool ReplaceParameter(std::string_view parameter, std::string_view argument) {
+    const std::string& body = work_.Body;
+    work_.Scratch.clear();
+    work_.ScratchPaint.clear();
     size_t at = 0;
     while (at < body.size()) {
-      char ch = body[at];
-      if (IsQuote(ch, conditionView_)) {
-        size_t end = SkipQuoted(body, at, conditionView_);
-        level.Body.append(body, at, end - at);
-        at = end;
-        continue;
+      size_t start = at;
+      if (IsQuote(body[at], conditionView_)) {
+        at = SkipQuoted(body, at, conditionView_);
+      } else if (!IsWordStart(body[at])) {
+        ++at;
+      } else {
+        while (at < body.size() && IsWordChar(body[at])) ++at;
+        if (std::string_view(body).substr(start, at - start) == parameter) {
+          work_.Scratch.append(argument);
+          work_.ScratchPaint.append(argument.size(), 0);
+          if (work_.Scratch.size() > kExpandedLineLimit) return Fail(6, kLineTooLong);
+          continue;
+        }
       }
-      if (ch == '#' && at + 1 < body.size() && body[at + 1] == '#') {
-        TrimSpaces(level.Body);
-        at += 2;
-        while (at < body.size() && IsLineSpace(body[at])) ++at;
-        continue;
-      }
-      if (!IsWordStart(ch)) {
-        level.Body += ch;
+      CopyBody(start, at);
+    }
+    SwapCopy();
+    return true;
+  }
+
+  void RemovePastes() {
+    const std::string& body = work_.Body;
+    if (body.find("##") == std::string::npos) return;
+    work_.Scratch.clear();
+    work_.ScratchPaint.clear();
+    size_t at = 0;
+    while (at < body.size()) {
+      if (body[at] != '#' || at + 1 == body.size() || body[at + 1] != '#') {
+        CopyBody(at, at + 1);
         ++at;
         continue;
       }
-      size_t start = at;
-      while (at < body.size() && IsWordChar(body[at])) ++at;
-      std::string_view word(body.data() + start, at - start);
-      int index = ParameterIndex(macro, word);
-      if (index < 0) {
-        level.Body.append(word);
-      } else if (Pasted(body, start, at)) {
-        level.Body.append(level.Arguments[index]);
-      } else {
-        if (!level.Expanded[index] && !ExpandArgument(level, static_cast<size_t>(index), depth)) return false;
-        level.Body.append(level.ExpandedArguments[index]);
+      while (!work_.Scratch.empty() && IsLineSpace(work_.Scratch.back())) {
+        work_.Scratch.pop_back();
+        work_.ScratchPaint.pop_back();
       }
-      if (level.Body.size() > kExpandedLineLimit) return Fail(6, kLineTooLong);
+      at += 2;
+      while (at < body.size() && IsLineSpace(body[at])) ++at;
     }
-    return true;
+    SwapCopy();
   }
 
-  // Puts `text`, the replacement of `macro`, in front of the pending text.
-  bool Push(CExpansionLevel& level, std::string_view text, const CMacro* macro) {
-    if (level.Out.size() + level.Pending.size() + text.size() > kExpandedLineLimit) return Fail(6, kLineTooLong);
+  // Puts `text`, the replacement of `macro`, in front of the pending text,
+  // painted with it where `paint` holds 1 (everywhere without `paint`).
+  bool Push(std::string_view text, const std::string* paint, const CMacro* macro) {
+    std::vector<CPaintRange>& ranges = work_.Ranges;
+    const size_t front = work_.Pending.size();
+    if (work_.Out.size() + front + text.size() > kExpandedLineLimit) return Fail(6, kLineTooLong);
     budget_ += text.size() + 1;
     c_.PassCharacters += text.size() + 1;
     if (budget_ > kReplacementBudget) return Fail(6, kBudgetSpent);
     if (c_.PassCharacters > kPassBudget) return Fail(6, kPassBudgetSpent);
-    // A call that took text from behind a painted range leaves that paint.
-    while (!level.Ranges.empty() && level.Ranges.back().stop > level.Pending.size()) PopRange(level);
-    level.Ranges.push_back({macro, level.Pending.size()});
-    ++macro->Painted;
-    level.Pending.append(text.rbegin(), text.rend());
+    // A call that took text from behind a painted piece leaves that paint,
+    // and a piece not reached yet that it took whole is gone. One whose
+    // start it took begins behind the replacement; these lie on top, the
+    // nearest first.
+    while (!ranges.empty() && (ranges.back().stop > front || (!ranges.back().active && ranges.back().stop == front)))
+      PopRange();
+    for (size_t i = ranges.size(); i-- > 0 && !ranges[i].active && ranges[i].begin > front;) ranges[i].begin = front;
+    // The pieces from the far end to the near one: the nearest on top.
+    const size_t top = front + text.size();
+    for (size_t end = text.size(); end > 0;) {
+      if (paint != nullptr && (*paint)[end - 1] == 0) {
+        --end;
+        continue;
+      }
+      size_t start = end;
+      while (start > 0 && (paint == nullptr || (*paint)[start - 1] != 0)) --start;
+      ranges.push_back({macro, top - start, top - end, false});
+      end = start;
+    }
+    work_.Pending.append(text.rbegin(), text.rend());
     return true;
   }
 
   Assembler& as_;
   CStyleProcessor& c_;
+  CExpansionWork& work_;
   bool conditionView_;
   size_t budget_ = 0;
 };
 
 }  // namespace
 
-const CMacro* FindCMacro(const Assembler& as, std::string_view name, bool conditionView) {
-  return Lookup(as.CStyle, name, NameHash(name), conditionView);
+const CMacro* FindCMacro(const Assembler& as, std::string_view name) {
+  return Lookup(as.CStyle, name, NameHash(name));
 }
 
 bool ExpandCMacros(Assembler& as, std::string& text, bool conditionView) {
@@ -388,9 +400,8 @@ bool ExpandCMacros(Assembler& as, std::string& text, bool conditionView) {
   size_t first = FirstReplacement(c, text, conditionView);
   if (first == std::string_view::npos) return true;
   Expander expander(as, conditionView);
-  CExpansionLevel& top = expander.Level(0);
-  if (!expander.Run(text, 0, first)) return false;
-  text.swap(top.Out);
+  if (!expander.Run(text, first)) return false;
+  text.swap(c.Work.Out);
   return true;
 }
 

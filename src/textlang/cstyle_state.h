@@ -7,11 +7,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace ta51 {
@@ -20,13 +20,10 @@ namespace ta51 {
 struct CMacro {
   std::string Name;
   std::string Body;  // the text to put in, without its line end
+  // Empty for a macro without parameters, `#define F() x` included.
   std::vector<std::string> Parameters;
-  bool FunctionLike = false;  // a parameter list, perhaps empty, stood behind the name
-  // The pass (SecondPass) that made the record; #if and its kin see only the
-  // records of the running pass, so that both passes decide alike.
-  int32_t Pass = 0;
-  // Ranges of the line being expanded that hold a replacement by this
-  // macro, at every level: while it is above 0 the name is not replaced.
+  // Painted ranges of the line being expanded that the scan is inside, at
+  // every level: while it is above 0 the name is not replaced.
   mutable int32_t Painted = 0;
 };
 
@@ -47,24 +44,31 @@ struct CMacroNameHash {
   size_t operator()(std::string_view name) const { return NameHash(name); }
 };
 
-// One level of expansion: the line itself, or an argument expanded before it
-// is put into a body. `Pending` holds the text still to scan in reverse, so
-// that a replacement is pushed in front of the rest in time proportional to
-// its own length.
-struct CExpansionLevel {
+// A piece of a replacement painted with `macro`: the name is not replaced
+// inside it. Positions count the characters still pending, so that they
+// stay put while text in front is consumed and replaced: the piece holds the
+// characters that stand at the front while stop < Pending.size() <= begin.
+struct CPaintRange {
+  const CMacro* macro;
+  size_t begin;
+  size_t stop;
+  bool active;  // the scan has reached the piece and counted it in Painted
+};
+
+// The working storage of expanding one line, reused from line to line.
+// `Pending` holds the text still to scan in reverse, so that a replacement
+// is pushed in front of the rest in time proportional to its own length.
+struct CExpansionWork {
   std::string Out;
   std::string Pending;
-  // A painted range: the text of `macro`'s replacement, up to where Pending
-  // has `stop` characters left; the macro is not expanded again inside it.
-  struct Painted {
-    const CMacro* macro;
-    size_t stop;
-  };
-  std::vector<Painted> Ranges;
+  // Innermost and nearest on top; the stops never fall from bottom to top.
+  std::vector<CPaintRange> Ranges;
   std::vector<std::string> Arguments;
-  std::vector<std::string> ExpandedArguments;
-  std::vector<bool> Expanded;
-  std::string Body;  // a body with its arguments put in
+  // A body with its arguments put in, and the copy being made of it; the
+  // paints say per character whether it came from the body (1) or from an
+  // argument (0), which is text of the caller and not painted.
+  std::string Body, Scratch;
+  std::string BodyPaint, ScratchPaint;
 };
 
 struct CStyleProcessor {
@@ -84,19 +88,21 @@ struct CStyleProcessor {
   std::string OpenedInFile;
   std::string OpenedText;
 
+  // Where each #endif that closed the outermost block stood in the first
+  // pass: file, line, segment and location. The second pass must meet it at
+  // one of these places, else it assembled other code before it.
+  std::unordered_set<std::string> FirstPassPlaces;
+
   // A /* of a directive line that did not close there; the reader drops
   // lines up to its */.
   bool CommentOpen = false;
   // The stage acts from the start of the first pass on; the look at the
   // first line for sequence numbers comes earlier and must change nothing.
   bool Running = false;
-  int32_t Pass = 0;
   // Characters that replacements put into the lines of the running pass.
   uint64_t PassCharacters = 0;
 
-  // Working storage of expansion, one level per argument nesting; a deque,
-  // so that a level stays in place while a deeper one is added.
-  std::deque<CExpansionLevel> Levels;
+  CExpansionWork Work;
 
   // The stage must look at every line: macros to expand or a dropped section.
   bool Engaged() const { return !Macros.empty() || DirectiveState >= 2; }

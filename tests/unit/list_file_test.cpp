@@ -153,4 +153,24 @@ TEST_F(ListFileTest, FieldsAndPageWidthDirectives) {
   EXPECT_FALSE(as.WidthChanged);
 }
 
+TEST_F(ListFileTest, FieldsRefusesWidthsOutOfRangeAndChangesNothing) {
+  EXPECT_EQ(Run(FieldsDirective, "4,256"), 0);
+  as.LineHasError = false;
+  EXPECT_EQ(Run(FieldsDirective, "-1"), 0);
+  EXPECT_EQ(as.ErrorCount, 2);
+  EXPECT_EQ(std::vector<int32_t>({as.LabelFieldWidth, as.OpcodeFieldWidth, as.OperandFieldWidth}),
+            std::vector<int32_t>({10, 10, 18}));
+  as.LineHasError = false;
+  EXPECT_EQ(Run(FieldsDirective, "0,,255"), 12);
+  EXPECT_EQ(std::vector<int32_t>({as.LabelFieldWidth, as.OpcodeFieldWidth, as.OperandFieldWidth}),
+            std::vector<int32_t>({0, 10, 255}));
+}
+
+// Padding wider than the run buffer of the list text is written in full.
+TEST_F(ListFileTest, PaddingOfAnyWidthIsWrittenWhole) {
+  as.LabelFieldWidth = 100000, as.LineNumber = 1, as.ShowLineValue = false;
+  List(" NOP\n", 0, 1, 4, 4);
+  EXPECT_EQ(Listed(), Row({{0, "    1"}, {100023, "NOP"}}));
+}
+
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "core/assembler.h"
 #include "core/option_keywords.h"
+#include "run_helpers.h"
 
 namespace ta51 {
 namespace {
@@ -69,6 +70,20 @@ TEST_F(OptionsTest, SourceOptionsRefuseLabelsAndObjoffPassesTheLock) {
   EXPECT_EQ(as.opt.OBJ.Value(), 1);
   EXPECT_EQ(ProcessOption(as, 28), 2);  // OBJOFF with IHEX off
   EXPECT_EQ(as.opt.OBJ.Value(), 0);
+}
+
+// OBJ, NOOBJ and the options PAGE and NOPAGE act in the first pass, and
+// the second keeps what they set: lines that only the second pass reads
+// (behind IFDEF of a name defined further down) change nothing.
+class OptionRuns : public testing::AssemblyTest {};
+
+TEST_F(OptionRuns, ObjectAndPageOptionsActInTheFirstPassOnly) {
+  EXPECT_EQ(Assemble("a.asm", " IFDEF LATER\n NOOBJ\n NOPAGE\n ENDC\nLATER EQU 1\n NOP\n").status, 0);
+  EXPECT_TRUE(Exists("a.OBJ"));
+  EXPECT_EQ(Read("a.LST").rfind("\fPAGE  001", 0), 0u);
+  EXPECT_EQ(Assemble("b.asm", " NOOBJ\n NOPAGE\n IFDEF LATER\n OPT OBJ,PAGE\n ENDC\nLATER EQU 1\n NOP\n").status, 0);
+  EXPECT_FALSE(Exists("b.OBJ"));
+  EXPECT_EQ(Read("b.LST").find("PAGE  001"), std::string::npos);
 }
 
 }  // namespace

@@ -18,13 +18,14 @@
 #define E14	E13 E13
 #define E15	E14 E14
 #define TWO(a, b)	a b
+#define SELFCALL(x)	x(x)
 	CSEG	AT 0
 SELF	EQU	1
 PING	EQU	2
 PONG	EQU	3
 	DB	SELF, PING, PONG
 	DB	E15
-	DB	TWO(1)
+	DB	SELFCALL(SELFCALL)
 	DB	TWO(1, 2
 	DB	TWO
 #define

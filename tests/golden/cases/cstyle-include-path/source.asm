@@ -2,6 +2,7 @@
 #include <hw.h>
 #include <hw.h>
 #include "local.h"
+	DB	DELAY
 	SETB	LED
 	MOV	R7,#COUNT
 	END

@@ -2,5 +2,4 @@
 #define HW_H
 #define LED	P1.0
 #define DELAY	10
-	DB	DELAY
 #endif

@@ -1,0 +1,4 @@
+#ifndef DEFS_H
+#define DEFS_H
+#define PORT	P1
+#endif

@@ -1,0 +1,14 @@
+0010 	SYM			; both passes end with the symbol table
+0020 TWO	MACRO
+0030 	NOP
+0040 	NOP
+0050 	ENDM
+0060 	CSEG	AT 0
+0070 	JMP	LATER
+0080 	NOLIST			; no effect: LIST is locked on
+0090 	SEQ
+0100 	TWO
+0110 LATER:	TWO
+0120 	MEX
+0130 	TWO
+0140 	END
