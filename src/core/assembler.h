@@ -12,8 +12,10 @@
 #include <utility>
 #include <vector>
 
+#include "directives/bank_state.h"
 #include "directives/control_state.h"
 #include "directives/segment_entry.h"
+#include "output/debug_state.h"
 #include "platform/input_file.h"
 #include "platform/platform.h"
 #include "symbols/symbol_table.h"
@@ -166,6 +168,7 @@ struct Assembler {
   bool InMacroExpansion = false;
   bool FromSourceFile = true;
   bool DebugFileSeen = false;
+  DebugState Debug;  // line table, source marks, debug blocks written
   bool NameIsSet = false;
   std::string ExplicitModuleName;
   std::string TitleText;
@@ -231,6 +234,7 @@ struct Assembler {
   SegmentEntry* AbsXdataSegment = nullptr;
   SegmentEntry* AbsIdataSegment = nullptr;
   SegmentEntry* AbsBitSegment = nullptr;
+  BankState Banks;
 
   // --- Conditional assembly and control statements ---------------------
   ConditionalState Conditional;

@@ -7,6 +7,7 @@
 
 #include "core/diagnostics.h"
 #include "core/statement.h"
+#include "directives/banks.h"
 #include "output/object_file.h"
 #include "symbols/expression.h"
 #include "symbols/symbols.h"
@@ -240,11 +241,13 @@ int SegmentDirective(Assembler& as) {
   int32_t attribute = ReadAttribute(as, type);
   if (attribute < 0) return 0;
   SkipBlanks(as);
-  if (MatchKeyword(as, "BANK", kKeywordFollow)) return ReportError(as, 104);
+  BankRecord* bank = nullptr;
+  if (!ParseBankClause(as, type, bank)) return 0;
   if (segment != nullptr) {
     segment->type = type;
     segment->kind = kind;
     segment->attribute = attribute;
+    segment->bank = bank;
     symbol->relocation = type;
   }
   as.ShowLineValue = false;

@@ -4,11 +4,13 @@
 #include <cstdio>
 #include <vector>
 
+#include "directives/banks.h"
 #include "directives/segments.h"
 #include "core/diagnostics.h"
 #include "driver/line_reader.h"
 #include "core/option_keywords.h"
 #include "driver/pass.h"
+#include "output/debug_records.h"
 #include "output/list_file.h"
 #include "output/object_file.h"
 #include "platform/platform.h"
@@ -117,7 +119,7 @@ void ChooseModuleName(Assembler& as) {
                      : as.ModuleNameOption ? *as.ModuleNameOption
                                            : as.CurrentFileName;
   PathParts parts = SplitPath(text);
-  as.ModuleFileName = parts.name + parts.extension;
+  as.ModuleFileName = parts.name;
   size_t dot = text.find_last_of('.');
   as.ModuleName = dot == std::string::npos ? text : text.substr(0, dot);
 }
@@ -148,7 +150,12 @@ void AppendFile(Assembler& as, const std::string& objectName, const std::string&
 
 void BuildObjectFile(Assembler& as) {
   ChooseModuleName(as);
-  // Banked segments, source marks and debug blocks join the body here.
+  // The register banks take their numbers ahead of the code banks, so that
+  // no two entries of the module share one; debug records name both.
+  CreateRegisterBankSegments(as);
+  NumberBanks(as);
+  WriteMarkBlocks(as);
+  if (as.opt.DEBUG) WriteDebugRecords(as);
   WriteCheckedRecord(as, "ME.\r\n");
   std::fclose(as.BodyFile);
   as.BodyFile = nullptr;

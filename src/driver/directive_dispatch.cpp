@@ -1,10 +1,10 @@
-// Dispatch of directives and dollar controls to their handlers. Directives
-// that ta51 does not carry out yet are refused, so that none is silently
-// assembled wrong.
+// Dispatch of directives and dollar controls to their handlers. A code that
+// reached no handler is refused, so that nothing is silently assembled wrong.
 #include "driver/directive_dispatch.h"
 
 #include "directives/controls.h"
 #include "directives/data.h"
+#include "directives/debug_directives.h"
 #include "directives/definitions.h"
 #include "directives/general.h"
 #include "directives/segments.h"
@@ -74,6 +74,9 @@ int ProcessDirective(Assembler& as, int code) {
     case kDirSpace: return SpaceDirective(as);
     case kDirIncludeLib: return IncludeLibraryDirective(as);
     case kDirNoOverlay: return NoOverlayDirective(as);
+    case kDirSourceFile: return SourceFileDirective(as);
+    case kDirSourceLine: return SourceLineDirective(as);
+    case kDirDebug: return DebugBlockDirective(as);
     case kDirDebugEnd: return kResultDone;  // only the end mark of a __DEBUG block
     case kDirSegment: return SegmentDirective(as);
     case kDirRseg: return RsegDirective(as);

@@ -12,6 +12,7 @@
 #include "core/keyword_tables.h"
 #include "driver/line_reader.h"
 #include "core/option_keywords.h"
+#include "output/debug_records.h"
 #include "output/list_file.h"
 #include "output/object_file.h"
 #include "symbols/expression.h"
@@ -147,6 +148,7 @@ void FinishInstruction(Assembler& as) {
   } else if (!as.opt.OBJ) {
     as.TotalBytes += static_cast<uint32_t>(as.CodeLength);
   } else {
+    if (as.opt.DEBUG && !as.DebugFileSeen) NoteInstructionLine(as);
     EmitInstruction(as);
   }
 }
@@ -241,6 +243,17 @@ void ProcessMacroDefinition(Assembler& as, int result) {
   MacroStatement(as, result);
 }
 
+// With the line table on, a call has one entry for all the code of its body.
+void RunMacroCall(Assembler& as, int result) {
+  if (!LineTableWanted(as)) {
+    MacroCall(as, result);
+    return;
+  }
+  CallLineMark mark = MarkCallLine(as);
+  MacroCall(as, result);
+  RecordCallLine(as, mark);
+}
+
 // What the result of a statement asks of the loop; false when the
 // iteration ends here (step 17).
 bool ActOnResult(Assembler& as, int result) {
@@ -253,7 +266,7 @@ bool ActOnResult(Assembler& as, int result) {
     case kResultMacro: case kResultDotMacro: ProcessMacroDefinition(as, result); break;
     case kResultMacroCall: case kResultNamedMacroCall:
       DefineLabel(as, result);
-      if (!as.LineHasError) MacroCall(as, result);
+      if (!as.LineHasError) RunMacroCall(as, result);
       return false;
     case kResultListed: return false;
     default: break;

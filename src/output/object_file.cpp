@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "core/diagnostics.h"
+#include "directives/banks.h"
 #include "symbols/symbol_table.h"
 #include "isa/operands.h"
 
@@ -106,24 +107,6 @@ const char* AlignmentText(int32_t kind) {
   }
 }
 
-void CreateRegisterBankSegments(Assembler& as) {
-  for (int bank = 0; bank < 4; ++bank) {
-    if (!as.RegisterBankUsed[bank]) continue;
-    bool exists = false;
-    for (const SegmentEntry& segment : as.Segments.entries) exists = exists || segment.registerBank == bank;
-    if (exists) continue;
-    std::deque<SegmentEntry>& entries = as.Segments.entries;
-    int32_t number = entries.empty() ? 0 : entries.back().number + 1;
-    SegmentEntry& segment = entries.emplace_back();
-    segment.number = number;
-    segment.type = kRegisterBankType;
-    segment.kind = kKindAbsolute;
-    segment.registerBank = bank;
-    segment.startAddress = static_cast<uint32_t>(bank * 8);
-    segment.location = segment.startAddress + 8;
-  }
-}
-
 void WriteReservedUnits(Assembler& as, const SegmentEntry& segment) {
   if (segment.type == T_CODE && segment.reserved != 0)
     WriteCheckedRecord(as, "ASQ%lX,%lX.\r\n", static_cast<unsigned long>(segment.number),
@@ -145,6 +128,7 @@ void WriteAbsoluteSegment(Assembler& as, const SegmentEntry& segment) {
 }
 
 void WriteRelocatableSegment(Assembler& as, const SegmentEntry& segment) {
+  if (segment.bank != nullptr && !segment.bank->written) WriteBankRecords(as, *segment.bank);
   char head[64];
   std::snprintf(head, sizeof head, "ST%lX,%s,", static_cast<unsigned long>(segment.number), TypeText(segment.type));
   std::string record = head;
@@ -153,10 +137,14 @@ void WriteRelocatableSegment(Assembler& as, const SegmentEntry& segment) {
   char name[300];
   std::snprintf(name, sizeof name, "%02X%s", static_cast<unsigned>(segment.name.size()), segment.name.c_str());
   record += name;
-  if (segment.owner != nullptr) {
-    char owner[32];
-    std::snprintf(owner, sizeof owner, ",%lX", static_cast<unsigned long>(segment.owner->number));
-    record += owner;
+  // A banked segment names its bank where others name their owner.
+  const int32_t* container = segment.bank != nullptr     ? &segment.bank->number
+                             : segment.owner != nullptr ? &segment.owner->number
+                                                        : nullptr;
+  if (container != nullptr) {
+    char number[32];
+    std::snprintf(number, sizeof number, ",%lX", static_cast<unsigned long>(static_cast<uint32_t>(*container)));
+    record += number;
   }
   WriteCheckedRecord(as, "%s.\r\n", record.c_str());
   if (const char* alignment = AlignmentText(segment.kind))
@@ -289,6 +277,24 @@ void WriteSegmentSwitch(Assembler& as) {
 
 void WriteNewLocation(Assembler& as, uint32_t location) {
   if (as.opt.OBJ) WriteObjectRecord(as, "ASP,%X.\r\n", location);
+}
+
+void CreateRegisterBankSegments(Assembler& as) {
+  for (int bank = 0; bank < 4; ++bank) {
+    if (!as.RegisterBankUsed[bank]) continue;
+    bool exists = false;
+    for (const SegmentEntry& segment : as.Segments.entries) exists = exists || segment.registerBank == bank;
+    if (exists) continue;
+    std::deque<SegmentEntry>& entries = as.Segments.entries;
+    int32_t number = entries.empty() ? 0 : entries.back().number + 1;
+    SegmentEntry& segment = entries.emplace_back();
+    segment.number = number;
+    segment.type = kRegisterBankType;
+    segment.kind = kKindAbsolute;
+    segment.registerBank = bank;
+    segment.startAddress = static_cast<uint32_t>(bank * 8);
+    segment.location = segment.startAddress + 8;
+  }
 }
 
 void WriteModuleHead(Assembler& as) {

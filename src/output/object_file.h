@@ -18,6 +18,9 @@ void EmitInstruction(Assembler& as);
 void WriteSegmentSwitch(Assembler& as);
 // ASP: the new position of the segment of the last SB, after room with no data.
 void WriteNewLocation(Assembler& as, uint32_t location);
+// The segments of the register banks that USING and $REGISTERBANK asked for,
+// unless they exist; they take the numbers behind the last segment.
+void CreateRegisterBankSegments(Assembler& as);
 void WriteModuleHead(Assembler& as);
 void WriteSegmentRecords(Assembler& as);
 void WriteSymbolRecords(Assembler& as);

@@ -113,13 +113,13 @@ class SymbolTable {
   // are sorted.
   template <class Keep, class Visit>
   void ForEachWhere(Keep keep, Visit visit) {
-    std::vector<uint32_t> chosen;
-    for (uint32_t index = 0; index < count_; ++index) {
-      const SymbolEntry& entry = At(index);
-      if (entry.chain != kFileScopeChain && keep(entry)) chosen.push_back(index);
-    }
-    SortObservable(chosen);
-    for (uint32_t index : chosen) visit(static_cast<const SymbolEntry&>(At(index)));
+    Walk(keep, visit, false);
+  }
+  // The same with the file-scope chain in its place, between the digits
+  // and `.` (debug records name those symbols too).
+  template <class Keep, class Visit>
+  void ForEachWithFileScopes(Keep keep, Visit visit) {
+    Walk(keep, visit, true);
   }
 
   // File scopes of `.@` names: 0 is the main file's.
@@ -142,6 +142,16 @@ class SymbolTable {
   static constexpr uint32_t kChunkSize = 1u << kChunkShift;
   static constexpr size_t kArenaBlock = 64 * 1024;
 
+  template <class Keep, class Visit>
+  void Walk(Keep keep, Visit visit, bool withFileScopes) {
+    std::vector<uint32_t> chosen;
+    for (uint32_t index = 0; index < count_; ++index) {
+      const SymbolEntry& entry = At(index);
+      if ((withFileScopes || entry.chain != kFileScopeChain) && keep(entry)) chosen.push_back(index);
+    }
+    SortObservable(chosen);
+    for (uint32_t index : chosen) visit(static_cast<const SymbolEntry&>(At(index)));
+  }
   SymbolEntry& At(uint32_t index) { return entryChunks_[index >> kChunkShift][index & (kChunkSize - 1)]; }
   const SymbolEntry& At(uint32_t index) const { return entryChunks_[index >> kChunkShift][index & (kChunkSize - 1)]; }
   uint32_t Bucket(std::string_view name, uint32_t scope) const;

@@ -26,6 +26,7 @@ for entry in '" MOV "' '" MOVX "' '" DJNZ "' '" DB "' '" CSEG "' '" ORG "' '" IN
     '" IFDEF "' '" ENDC "' '" ENDM "' '" MACRO "' '" EQU "' '" SET "' '" BIN "' '" OBJOFF "' \
     '"\x0A$INCLUDE"' '"\x0A$REGISTERBANK"' '"\x0A\x09BIN\x0A;"' '"\x0A\x09OBJOFF\x0A;"' '"%*DEFINE"' '"%MATCH"' '"LOCAL"' '"FI"' '"%'"'"'"' '"R7"' '"AR0"' '"ACC"' '"T2CON"' \
     '" AND "' '" SHL "' '" HIGH "' '"<>"' '"NARG"' '"INBLOCK"' '"NUMBER"' \
+    '" __SFILE "' '" __SLINE "' '" __DEBUG "' '"BANK"' '"PORT"' '"SFR"' '"\x0A__DEBUGEND"' '"\x0ABB1"' \
     '"\x0A#define "' '"\x0A#ifndef "' '"\x0A#endif "' '" defined "' '"##"'; do
   if ! grep -qxF "$entry" "$dictionary"; then
     echo "missing entry: $entry"

@@ -15,8 +15,9 @@
 // do the C-style directives, behind their `#`; the others (percent keywords
 // and functions, the words LOCAL, THEN, ELSE, FI and %' of the percent
 // language, registers, predefined names, symbol operators, segment and
-// EXTRN types, `defined` and `##`) as they are spelt. Each entry appears
-// once.
+// EXTRN types, the words of the BANK clause, `defined` and `##`) as they
+// are spelt; the words that lead lines of a __DEBUG block at the start of a
+// line. Each entry appears once.
 
 #include <cstdio>
 #include <set>
@@ -24,6 +25,8 @@
 #include <string>
 #include <string_view>
 
+#include "directives/banks.h"
+#include "directives/debug_directives.h"
 #include "directives/definitions.h"
 #include "directives/segments.h"
 #include "core/keyword_tables.h"
@@ -105,6 +108,8 @@ int main() {
   d.Table(SegmentTypeKeywords(), false);
   d.Table(SegmentAlignmentKeywords(), false);
   d.Table(ExternTypes(), false);
+  d.Table(BankClauseKeywords(), false);
+  for (const KeywordRow& row : DebugBlockWords()) d.Framed("\n", row.keyword, "");
   for (const KeywordRow& row : kCStyleDirectiveRows) d.Framed("\n#", row.keyword, " ");
   d.Word(kCDefinedOperator, true);
   d.Word("##", false);
