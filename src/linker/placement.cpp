@@ -21,6 +21,7 @@ std::string Describe(const ModuleSegment& segment) {
 std::string RangeText(Space space, Range range) {
   int digits = RowOf(space).digits;
   if (range.end == range.start) return HexNumber(range.start, digits) + " (empty)";
+  if (range.end == range.start + 1) return HexNumber(range.start, digits);
   return HexNumber(range.start, digits) + "-" + HexNumber(range.end - 1, digits);
 }
 
