@@ -82,9 +82,9 @@ class TextEvaluator {
           int32_t value = Expression(row->code == TOK_MINUS ? 6 : 1);
           return Ok() ? ApplyPrefixOperator(row->code, value) : 0;
         }
-        case TOK_PLUS:
+        case TOK_PLUS:  // a sign: the primary behind it, counted like any nesting
           at_ += row->spelling.size();
-          return Unary();
+          return Expression(7);
         case TOK_BASE: case TOK_SIZE: {
           at_ += row->spelling.size();
           bool wasSize = sizeWanted_;

@@ -55,6 +55,10 @@ class FileReader {
       at = newLine + 1;
     }
     if (!failed_ && module_ != nullptr) Fail(Msg::NoModuleEnd, {module_->name});
+    if (!failed_ && linker_.modules.size() == firstModule_) {
+      record_ = 1;  // an empty file holds no module at all
+      Fail(Msg::NotAModule, {});
+    }
   }
 
  private:
@@ -108,7 +112,7 @@ class FileReader {
       case Rec::ASS: case Rec::ASL: case Rec::ASQ: return SegmentValue(cursor, row->kind);
       case Rec::ASI: return PublicValue(cursor);
       case Rec::ASP: return Location(cursor);
-      case Rec::ASM: case Rec::NC: return CodeBank(record);
+      case Rec::ASM: case Rec::NC: return BankSwitching(cursor, row->kind);
       case Rec::NX: return ExternalName(cursor);
       case Rec::NI: return PublicName(cursor);
       case Rec::CL: return Call(cursor);
@@ -290,6 +294,14 @@ class FileReader {
     End(cursor, Rec::LI);
   }
 
+  // NC names a switching method and ASM a bank's number; the bank's own ST
+  // record names it. Each marks the module as using code banks.
+  void BankSwitching(RecordCursor& cursor, Rec kind) {
+    uint32_t bank = 0;
+    if (kind == Rec::ASM && cursor.Hex(bank) && module_->bankName.empty()) module_->bankName = "number " + HexText(bank);
+    sawBanks_ = true;
+  }
+
   void CodeBank(std::string_view rest) {
     if (!module_->bankName.empty()) return;
     RecordCursor cursor(rest);
@@ -378,6 +390,8 @@ class FileReader {
     if (!blocks_.empty()) return Fail(Msg::UnclosedBlock, {HexText(blocks_.back().type)});
     for (const ModuleSegment& segment : module_->segments)
       if (segment.absolute && !segment.hasLoad) return Fail(Msg::NoLoadAddress, {HexText(segment.number)});
+    if (sawBanks_ && module_->bankName.empty()) module_->bankName = "?";
+    sawBanks_ = false;
     module_ = nullptr;
   }
 
@@ -400,6 +414,7 @@ class FileReader {
   std::vector<Block> blocks_;
   uint32_t pendingLine_ = 0;
   bool hasPendingLine_ = false;
+  bool sawBanks_ = false;
 };
 
 }  // namespace

@@ -58,6 +58,7 @@ TEST_F(LinkErrorTest, RecordsThatAreNotOfTheFormat) {
       {"text after ME", {{"a.OBJ", Obj("A", {}) + "AD8,2,L.\r\n"}},
        "a.OBJ: Error: record 4: text after ME that is not another module\n"},
       {"no MB", {{"a.OBJ", "AD8,2,L.\r\n"}}, "a.OBJ: Error: record 1: not an object module, no MB record\n"},
+      {"an empty file", {{"a.OBJ", ""}}, "a.OBJ: Error: record 1: not an object module, no MB record\n"},
       {"malformed ST", {{"a.OBJ", Obj("A", {"ST0,Q,02CA"})}}, "a.OBJ: Error: record 3: malformed ST record\n"},
       {"malformed LR", {{"a.OBJ", Obj("A", {"ST0,C,02CA", "SB0", "LR0"})}},
        "a.OBJ: Error: record 5: malformed LR record\n"},
@@ -86,8 +87,10 @@ TEST_F(LinkErrorTest, RecordsThatAreNotOfTheFormat) {
 
 TEST_F(LinkErrorTest, ModulesThatDoNotFitTogether) {
   Check({
-      {"code banks", {{"a.OBJ", Obj("A", {"ST1,K,0C__CODE_BANK1,0,0,0"})}},
+      {"code banks", {{"a.OBJ", Obj("A", {"NC1,04PORT", "ST1,K,0C__CODE_BANK1,0,0,1", "ASM1,2"})}},
        "a.OBJ: Error: module A uses code bank __CODE_BANK1: code banks are not supported yet\n"},
+      {"a bank number alone", {{"a.OBJ", Obj("A", {"ASM3,2"})}},
+       "a.OBJ: Error: module A uses code bank number 3: code banks are not supported yet\n"},
       {"absolute code overlaps",
        {{"a.OBJ", Obj("A", {"ST0,C,A", "ASS0,3", "ASL0,0"})}, {"b.OBJ", Obj("B", {"ST0,C,A", "ASS0,2", "ASL0,2"})}},
        "b.OBJ: Error: absolute segments of modules A and B overlap at CODE 0002H\n"},

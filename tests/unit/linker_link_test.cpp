@@ -181,6 +181,9 @@ TEST_F(LinkResultTest, FieldExpressions) {
       {"(1", linker::EvalStatus::Syntax},        {"1 2", linker::EvalStatus::Syntax},
       {"12G", linker::EvalStatus::Syntax},       {"", linker::EvalStatus::Syntax},
       {"R9", linker::EvalStatus::NoSuchSegment}, {"X9", linker::EvalStatus::NoSuchExternal},
+      {std::string(5000, '+') + "1", linker::EvalStatus::TooDeep},
+      {std::string(5000, '-') + "1", linker::EvalStatus::TooDeep},
+      {" HIGH" + std::string(3000, '(') + "1", linker::EvalStatus::TooDeep},
   };
   for (const auto& [text, status] : failures) EXPECT_EQ(linker::EvaluateText(linker, 0, text).status, status) << text;
 }
