@@ -33,7 +33,8 @@ bool IsBitOfByteText(std::string_view text) {
 }
 
 std::string SignedHex(int32_t value) {
-  return value < 0 ? "-" + HexNumber(0u - static_cast<uint32_t>(value)) : HexNumber(static_cast<uint32_t>(value));
+  return value < 0 ? std::string("-").append(HexNumber(0u - static_cast<uint32_t>(value)))
+                   : HexNumber(static_cast<uint32_t>(value));
 }
 
 class CodeLoader {

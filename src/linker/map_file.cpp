@@ -58,7 +58,7 @@ class MapWriter {
         if (modules.size() < name.size() || modules.compare(modules.size() - name.size(), name.size(), name) != 0)
           modules.append(modules.empty() ? "" : ", ").append(name);
       }
-      std::string name = group->absolute ? (group->registerBank >= 0 ? "(register bank " + std::to_string(group->registerBank) + ")"
+      std::string name = group->absolute ? (group->registerBank >= 0 ? std::string("(register bank ").append(std::to_string(group->registerBank)).append(")")
                                                                       : std::string("(absolute)"))
                                          : group->name;
       std::string end = group->size == 0 ? "-" : Address(group->space, group->base + group->size - 1);

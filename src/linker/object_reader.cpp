@@ -298,7 +298,7 @@ class FileReader {
   // record names it. Each marks the module as using code banks.
   void BankSwitching(RecordCursor& cursor, Rec kind) {
     uint32_t bank = 0;
-    if (kind == Rec::ASM && cursor.Hex(bank) && module_->bankName.empty()) module_->bankName = "number " + HexText(bank);
+    if (kind == Rec::ASM && cursor.Hex(bank) && module_->bankName.empty()) module_->bankName = std::string("number ").append(HexText(bank));
     sawBanks_ = true;
   }
 
