@@ -5,6 +5,7 @@
 #include <cinttypes>
 
 #include "linker/evaluate.h"
+#include "symbols/expression_text.h"
 
 namespace ta51::linker {
 
@@ -27,6 +28,7 @@ class MapWriter {
     Publics();
     FreeRanges();
     CallTargets();
+    NoOverlay();
     LineTable();
   }
 
@@ -61,6 +63,10 @@ class MapWriter {
       std::string name = group->absolute ? (group->registerBank >= 0 ? std::string("(register bank ").append(std::to_string(group->registerBank)).append(")")
                                                                       : std::string("(absolute)"))
                                          : group->name;
+      // An owner (the predefined segment of a compiler's output) is only noted.
+      const ModuleSegment& first = linker_.modules[static_cast<size_t>(group->parts.front().module)]
+                                       .segments[static_cast<size_t>(group->parts.front().segment)];
+      if (first.hasOwner) modules.append("  owner ").append(HexText(first.owner));
       std::string end = group->size == 0 ? "-" : Address(group->space, group->base + group->size - 1);
       std::fprintf(out_, "  %-6s %-8s %-8s %-8s %-20s %s\n", std::string(RowOf(group->space).name).c_str(),
                    Address(group->space, group->base).c_str(), end.c_str(), Address(group->space, group->size).c_str(),
@@ -130,6 +136,18 @@ class MapWriter {
         std::string target = result.status == EvalStatus::Ok ? Address(Space::Code, static_cast<uint32_t>(result.value)) : "?";
         std::fprintf(out_, "  %-20s %-6s %.*s\n", module.name.c_str(), target.c_str(), static_cast<int>(call.text.size()),
                      call.text.data());
+      }
+    }
+  }
+
+  void NoOverlay() {
+    bool any = false;
+    for (int index : linker_.linkOrder) {
+      const Module& module = linker_.modules[static_cast<size_t>(index)];
+      for (const std::string& name : module.noOverlay) {
+        if (!any) Heading("Not to be overlaid");
+        any = true;
+        std::fprintf(out_, "  %-20s %s\n", module.name.c_str(), name.c_str());
       }
     }
   }

@@ -138,13 +138,15 @@ TEST_F(LinkResultTest, HexBinaryMapAndSummary) {
 // The map resolves call targets and, from BB5 debug blocks, source lines;
 // a nested block with no name goes on in its file. CODE is placed at 10H.
 TEST_F(LinkResultTest, MapOfCallsAndLines) {
-  Publics({{"d.OBJ", Obj("D", {"ST0,C,A", "ASS0,10", "ASL0,0", "ST1,C,04PROG", "ASS1,8", "CL1,R1+4",
+  Publics({{"d.OBJ", Obj("D", {"ST0,C,A", "ASS0,10", "ASL0,0", "ST1,C,04PROG,0", "ASS1,8", "CL1,R1+4", "NV04FUNC",
                               "BB5,0,07\"A.ASM\"", "NN9C40,00", "ATN9C40,0,7,0C,0", "ASN9C40,(R1+2)",
                               "BB5,0,02\"\"", "NN9C41,00", "ATN9C41,0,7,03,0", "ASN9C41,(R1+0)", "BE5", "BE5",
                               "BB10,0,03\"D\",00,0", "NN9C42,01X", "ATN9C42,7,10,1,0,5", "BE10"})}});
   std::string map = Read("out.map");
   EXPECT_NE(map.find("\nCall targets\n  D                    0014   R1+4\n"), std::string::npos) << map;
   EXPECT_NE(map.find("\nLines\n  0010  A.ASM(3)\n  0012  A.ASM(12)\n"), std::string::npos) << map;
+  EXPECT_NE(map.find("\nNot to be overlaid\n  D                    FUNC\n"), std::string::npos) << map;
+  EXPECT_NE(map.find(" PROG                 D  owner 0\n"), std::string::npos) << map;
 }
 
 // The expression language of fields: the assembler's seven levels, with
