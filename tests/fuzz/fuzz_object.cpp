@@ -6,6 +6,10 @@
 // a.hex and a.map in a private directory, made once, that is the current
 // directory of the process; the console goes to /dev/null.
 //
+// Inputs that name a device or kernel file (/dev/, /proc/, /sys/) are
+// refused: a library named so by INCLUDELIB could be read without end,
+// which says nothing about the linker.
+//
 // The process changes its directory at start, so every path given to it
 // must be absolute:
 //   ./tl51_fuzz -max_total_time=60 -artifact_prefix=$PWD/ $PWD/corpus-copy
@@ -19,6 +23,7 @@
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "linker/linker.h"
 
@@ -52,6 +57,12 @@ void WriteFile(const char* name, const uint8_t* data, size_t size) {
   if (file == nullptr || std::fwrite(data, 1, size, file) != size || std::fclose(file) != 0) std::abort();
 }
 
+bool NamesSystemFile(std::string_view text) {
+  for (std::string_view prefix : {"/dev/", "/proc/", "/sys/"})
+    if (text.find(prefix) != std::string_view::npos) return true;
+  return false;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -61,6 +72,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FILE* sink = Sink();
+  if (NamesSystemFile(std::string_view(reinterpret_cast<const char*>(data), size))) return -1;
   const uint8_t* split = static_cast<const uint8_t*>(std::memchr(data, 0, size));
   size_t first = split == nullptr ? size : static_cast<size_t>(split - data);
   WriteFile("a.OBJ", data, first);
