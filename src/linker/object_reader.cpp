@@ -161,7 +161,8 @@ class FileReader {
 
   void Segment(RecordCursor& cursor) {
     uint32_t number = 0;
-    if (!Number(cursor, number, Rec::ST) || !cursor.Literal(",")) return failed_ ? void() : Malformed(Rec::ST);
+    if (!Number(cursor, number, Rec::ST)) return;
+    if (!cursor.Literal(",")) return Malformed(Rec::ST);
     if (cursor.Literal("K,")) return CodeBank(cursor.Rest());
     ModuleSegment segment;
     segment.number = number;
@@ -212,7 +213,8 @@ class FileReader {
   void Alignment(RecordCursor& cursor) {
     uint32_t number = 0, first = 0, second = 0;
     if (!Number(cursor, number, Rec::SA)) return;
-    if (!cursor.Literal(",") || !Number(cursor, first, Rec::SA)) return failed_ ? void() : Malformed(Rec::SA);
+    if (!cursor.Literal(",")) return Malformed(Rec::SA);
+    if (!Number(cursor, first, Rec::SA)) return;
     bool window = cursor.Literal(",");
     if (window && !Number(cursor, second, Rec::SA)) return;
     if (!End(cursor, Rec::SA)) return;

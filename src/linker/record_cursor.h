@@ -32,9 +32,8 @@ class RecordCursor {
     return true;
   }
 
-  // One to eight hexadecimal digits; `badDigits` is set when digits were
-  // there but too many, so that the caller can name the number.
-  bool Hex(uint32_t& value, bool* tooLong = nullptr) {
+  // One to eight hexadecimal digits.
+  bool Hex(uint32_t& value) {
     size_t start = at_;
     uint32_t result = 0;
     while (at_ < text_.size() && HexDigitValue(text_[at_]) >= 0) {
@@ -43,7 +42,6 @@ class RecordCursor {
     }
     size_t digits = at_ - start;
     if (digits == 0 || digits > 8) {
-      if (digits > 8 && tooLong != nullptr) *tooLong = true;
       at_ = start;
       return false;
     }
@@ -114,14 +112,12 @@ inline ItemResult NextLoadItem(RecordCursor& cursor, LoadItem& item) {
   if (cursor.AtEnd()) return ItemResult::End;
   item = LoadItem{};
   if (cursor.Peek() != '(') {
-    size_t start = cursor.Offset();
     std::string_view rest = cursor.Rest();
     size_t length = 0;
     while (length < rest.size() && HexDigitValue(rest[length]) >= 0) ++length;
     if (length == 0 || length % 2 != 0) return ItemResult::Bad;
     item.bytes = rest.substr(0, length);
     cursor.Skip(length);
-    (void)start;
     return ItemResult::Item;
   }
   // "(" text "," size "," letter [ "," length reference ] ")". The text has
