@@ -19,3 +19,11 @@ INNER:  DJNZ    R6,INNER
         RET
 
         END
+
+What the program does, checked in the s51 simulator by the example test:
+the first time it reaches INNER (003EH) it has set the stack, cleared P1.0
+and called DELAY, which loaded its two counters.
+; s51: stop 003E
+; s51: sfr 90 FE
+; s51: sfr 81 61
+; s51: iram 06 FA C8

@@ -76,3 +76,12 @@ TIMER0: SAVE
         RESTORE
         RETI
         END
+
+What the program does, checked in the s51 simulator by the example test:
+at the SJMP MAIN that ends the first round (005BH) both LEDs have been
+toggled, both delays have run down their counters, and the stack is back
+where START put it.
+; s51: stop 005B
+; s51: sfr 90 FC
+; s51: sfr 81 5F
+; s51: iram 06 00 00

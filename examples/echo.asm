@@ -64,3 +64,16 @@ BANNER: DB      'ta51 echo, say something', CR, LF, 0
 LIMITS: DW      LINE_SIZE, LINE_BUF
 
         END
+
+What the program does, checked in the s51 simulator by the example test:
+linked with serial.asm, it sends the banner and then waits in GETCHAR for
+the first byte, with the LEDs off, echo on, an empty line and DPTR at
+LINE_BUF, which the map puts at 0000H of external RAM.
+; s51: link echo.asm serial.asm
+; s51: stop GETCHAR
+; s51: serial "ta51 echo, say something\r\n"
+; s51: xram 8000 00
+; s51: iram 30 00
+; s51: iram 21 mask 03 01
+; s51: sfr 81 32
+; s51: sfr 82 00 00

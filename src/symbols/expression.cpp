@@ -30,32 +30,7 @@ int DigitValue(int token) {
   return 99;
 }
 
-// Binary level of an operator token, 0 for none. Level 5 is "+" and "-".
-int BinaryLevel(int token) {
-  switch (token) {
-    case TOK_OR: case TOK_XOR: return 1;
-    case TOK_AND: return 2;
-    case TOK_NOT: return 3;
-    case TOK_EQ: case TOK_NE: case TOK_LT: case TOK_LE: case TOK_GT: case TOK_GE: return 4;
-    case TOK_PLUS: case TOK_MINUS: return 5;
-    case TOK_MUL: case TOK_DIV: case TOK_MOD: case TOK_SHL: case TOK_SHR: return 6;
-    default: return 0;
-  }
-}
-
 bool IsRelation(int token) { return BinaryLevel(token) == 4; }
-
-// Upper-case hexadecimal with no leading zeros, as linker text writes it.
-std::string Hex(uint32_t value) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  char text[8];
-  int at = sizeof text;
-  do {
-    text[--at] = kDigits[value & 15];
-    value >>= 4;
-  } while (value != 0);
-  return std::string(text + at, sizeof text - at);
-}
 
 bool IsKnownType(const Assembler& as, int type) {
   switch (type) {
@@ -210,39 +185,9 @@ class Evaluator {
 
   // Both operands absolute. Wraps modulo 2^32; false after "Divide by zero".
   bool Apply(int op, int32_t left, int32_t right, int32_t& result) {
-    uint32_t a = static_cast<uint32_t>(left);
-    uint32_t b = static_cast<uint32_t>(right);
-    uint32_t r = 0;
-    switch (op) {
-      case TOK_OR: r = a | b; break;
-      case TOK_XOR: r = a ^ b; break;
-      case TOK_AND: r = a & b; break;
-      case TOK_NOT: r = ~b; break;
-      case TOK_EQ: r = left == right; break;
-      case TOK_NE: r = left != right; break;
-      case TOK_LT: r = left < right; break;
-      case TOK_LE: r = left <= right; break;
-      case TOK_GT: r = left > right; break;
-      case TOK_GE: r = left >= right; break;
-      case TOK_PLUS: r = a + b; break;
-      case TOK_MINUS: r = a - b; break;
-      case TOK_MUL: r = a * b; break;
-      case TOK_SHL: r = a << (b & 31); break;
-      case TOK_SHR: r = static_cast<uint32_t>(left >> (b & 31)); break;
-      case TOK_DIV:
-      case TOK_MOD:
-        if (right == 0) {
-          ReportError(as_, 64);
-          return false;
-        }
-        // The one quotient that does not fit wraps; its remainder is 0.
-        if (right == -1) r = op == TOK_DIV ? 0u - a : 0u;
-        else r = static_cast<uint32_t>(op == TOK_DIV ? left / right : left % right);
-        break;
-      default: break;
-    }
-    result = static_cast<int32_t>(r);
-    return true;
+    if (ApplyBinaryOperator(op, left, right, result)) return true;
+    ReportError(as_, 64);
+    return false;
   }
 
   void CheckSimpleReloc(int op, SegmentEntry* leftSegment) {
@@ -319,13 +264,7 @@ class Evaluator {
     if (as_.LineHasError) return 0;
     expr_.LoneCandidate = false;
     if (count != as_.ExprRelocCount) return value;  // the linker applies it
-    auto v = static_cast<uint32_t>(value);
-    switch (op) {
-      case TOK_HIGH: return static_cast<int32_t>((v >> 8) & 0xFF);
-      case TOK_LOW: return static_cast<int32_t>(v & 0xFF);
-      case TOK_NOT: return static_cast<int32_t>(~v);
-      default: return static_cast<int32_t>(0u - v);
-    }
+    return ApplyPrefixOperator(op, value);
   }
 
   int32_t SegmentOperator(int op) {
@@ -511,10 +450,10 @@ class Evaluator {
   }
 
   std::string RelocatableText(const SymbolEntry& symbol) {
-    if (symbol.relocation == REL_XREF) return Hex(symbol.value).insert(0, 1, 'X');
+    if (symbol.relocation == REL_XREF) return HexText(symbol.value).insert(0, 1, 'X');
     if (symbol.type == T_RSEGMENT) {
       as_.ExprType = symbol.relocation;  // a segment name keeps its segment's type there
-      return Hex(symbol.value).insert(0, 1, 'L');
+      return HexText(symbol.value).insert(0, 1, 'L');
     }
     if (!symbol.Expression().empty()) return std::string(1, '(').append(symbol.Expression()).append(1, ')');
     return SegmentText(symbol.segment, symbol.value);
@@ -522,8 +461,8 @@ class Evaluator {
 
   // A place in a relocatable segment: its number and the offset, if any.
   static std::string SegmentText(const SegmentEntry* segment, int32_t offset) {
-    std::string number = Hex(segment != nullptr ? static_cast<uint32_t>(segment->number) : 0);
-    return offset != 0 ? "(R" + number + "+" + Hex(static_cast<uint32_t>(offset)) + ")" : "R" + number;
+    std::string number = HexText(segment != nullptr ? static_cast<uint32_t>(segment->number) : 0);
+    return offset != 0 ? "(R" + number + "+" + HexText(static_cast<uint32_t>(offset)) + ")" : "R" + number;
   }
 
   // The primary just read may stand alone as an operand of "+" or "-".
@@ -553,12 +492,8 @@ class Evaluator {
   int32_t AbsoluteTerm(int32_t value) {
     expr_.LeftIsAbsolute = true;
     if (!expr_.WantsText) return value;
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    char text[8];
-    int at = sizeof text;
-    for (uint32_t rest = static_cast<uint32_t>(value); at == sizeof text || rest != 0; rest >>= 4)
-      text[--at] = kDigits[rest & 15];
-    Append(std::string_view(text + at, sizeof text - at));
+    char digits[8];
+    Append(HexDigits(static_cast<uint32_t>(value), digits));
     return value;
   }
 

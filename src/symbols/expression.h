@@ -6,33 +6,9 @@
 #include <string>
 
 #include "core/assembler.h"
+#include "symbols/expression_text.h"
 
 namespace ta51 {
-
-// Operator tokens.
-enum : int {
-  TOK_HIGH = 0x80,
-  TOK_LOW = 0x81,
-  TOK_BASE = 0x82,
-  TOK_SIZE = 0x83,
-  TOK_MUL = 0x84,
-  TOK_DIV = 0x85,
-  TOK_MOD = 0x86,
-  TOK_SHL = 0x87,
-  TOK_SHR = 0x88,
-  TOK_PLUS = 0x89,
-  TOK_MINUS = 0x8A,
-  TOK_EQ = 0x8B,
-  TOK_NE = 0x8C,
-  TOK_LT = 0x8D,
-  TOK_LE = 0x8E,
-  TOK_GT = 0x8F,
-  TOK_GE = 0x90,
-  TOK_NOT = 0x91,
-  TOK_AND = 0x92,
-  TOK_OR = 0x93,
-  TOK_XOR = 0x94,
-};
 
 // Bytes of FullText, its terminating zero included.
 constexpr size_t kFullTextCapacity = 2000;

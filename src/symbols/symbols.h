@@ -7,23 +7,9 @@
 #include <string_view>
 
 #include "core/assembler.h"
+#include "symbols/expression_text.h"
 
 namespace ta51 {
-
-// Character classes of names, one table look-up each.
-enum : uint8_t { kNameStartClass = 1, kNameCharClass = 2 };
-inline constexpr auto kNameClasses = [] {
-  std::array<uint8_t, 256> table{};
-  for (int c = 'A'; c <= 'Z'; ++c) table[c] = table[c + 32] = kNameStartClass | kNameCharClass;
-  for (int c = '0'; c <= '9'; ++c) table[c] = kNameCharClass;
-  for (unsigned char c : {'.', '_', '?'}) table[c] |= kNameStartClass;
-  for (unsigned char c : {'?', '$', '@', '_', '~'}) table[c] |= kNameCharClass;
-  return table;
-}();
-// A letter, `.`, `_` or `?`.
-inline bool IsNameStart(char c) { return (kNameClasses[static_cast<unsigned char>(c)] & kNameStartClass) != 0; }
-// A letter, a digit, `?`, `$`, `@`, `_` or `~`.
-inline bool IsNameChar(char c) { return (kNameClasses[static_cast<unsigned char>(c)] & kNameCharClass) != 0; }
 
 // Reads the name at `text` into NameBuffer; 1, or 0 if no name stands there.
 int ReadName(Assembler& as, const char* text, bool allowDigit = false);
