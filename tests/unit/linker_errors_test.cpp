@@ -6,15 +6,6 @@
 namespace ta51::testing {
 namespace {
 
-// A module: MB, AD, the records given, ME; each ended by ".\r\n".
-std::string Obj(const std::string& name, const std::vector<std::string>& records) {
-  char head[32];
-  std::snprintf(head, sizeof head, "MB8051,%02X\"", static_cast<unsigned>(name.size() + 2));
-  std::string text = head + name + "\".\r\nAD8,2,L.\r\n";
-  for (const std::string& record : records) text += record + ".\r\n";
-  return text + "ME.\r\n";
-}
-
 struct ErrorCase {
   const char* about;
   std::vector<std::pair<std::string, std::string>> files;  // linked in this order

@@ -8,14 +8,6 @@
 namespace ta51::testing {
 namespace {
 
-std::string Obj(const std::string& name, const std::vector<std::string>& records) {
-  char head[32];
-  std::snprintf(head, sizeof head, "MB8051,%02X\"", static_cast<unsigned>(name.size() + 2));
-  std::string text = head + name + "\".\r\nAD8,2,L.\r\n";
-  for (const std::string& record : records) text += record + ".\r\n";
-  return text + "ME.\r\n";
-}
-
 class LinkResultTest : public LinkTest {
  protected:
   // Links the modules (name, text) and returns the publics of the map.

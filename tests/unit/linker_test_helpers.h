@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -22,6 +23,16 @@ inline const std::filesystem::path kSourceRoot = std::filesystem::path(__FILE__)
 
 inline bool ToolInstalled(const std::string& tool) {
   return std::system(("command -v " + tool + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+// A module written by hand: MB, AD, the records given, ME; each ended by
+// ".\r\n".
+inline std::string Obj(const std::string& name, const std::vector<std::string>& records) {
+  char head[32];
+  std::snprintf(head, sizeof head, "MB8051,%02X\"", static_cast<unsigned>(name.size() + 2));
+  std::string text = head + name + "\".\r\nAD8,2,L.\r\n";
+  for (const std::string& record : records) text += record + ".\r\n";
+  return text + "ME.\r\n";
 }
 
 class LinkTest : public AssemblyTest {
