@@ -13,9 +13,15 @@ namespace ta51 {
 constexpr char FoldKeywordChar(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
 
 // Ignores case, so that one index serves exact and case-blind searches.
+constexpr uint32_t kKeywordHashStart = 2166136261u;
+// One character more of the hash, its case already folded.
+constexpr uint32_t KeywordHashStep(uint32_t hash, char folded) {
+  return (hash ^ static_cast<unsigned char>(folded)) * 16777619u;
+}
+
 constexpr uint32_t KeywordHash(std::string_view word) {
-  uint32_t hash = 2166136261u;
-  for (char c : word) hash = (hash ^ static_cast<unsigned char>(FoldKeywordChar(c))) * 16777619u;
+  uint32_t hash = kKeywordHashStart;
+  for (char c : word) hash = KeywordHashStep(hash, FoldKeywordChar(c));
   return hash;
 }
 

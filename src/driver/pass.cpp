@@ -311,29 +311,31 @@ void AssembleLine(Assembler& as) {
 }
 
 // The opcode word, in upper case, into as.OpcodeWord (its buffer is reused
-// from line to line).
-std::string_view ReadOpcodeWord(Assembler& as) {
+// from line to line), with its keyword hash: one walk over the characters.
+std::string_view ReadOpcodeWord(Assembler& as, uint32_t& hash) {
   LineCursor& line = as.Line;
   const int32_t start = line.offset;
-  int32_t end = start;
+  const char* text = line.Pointer(start);  // past the text it reads the end
+  const bool stopAtParenthesis = as.PercentDialect;
+  size_t length = 0;
   while (true) {
-    char c = line.At(end);
-    if (c == '\0' || IsWhiteSpace(c) || (c == '.' && end != start) || (c == '(' && as.PercentDialect)) break;
+    const char c = text[length];
+    if (c == '\0' || IsWhiteSpace(c) || (c == '.' && length != 0) || (c == '(' && stopAtParenthesis)) break;
     // The word stops at its limit with the cursor on its last character.
-    if (end - start + 1 == static_cast<int32_t>(kOpcodeWordLimit)) {
-      line.offset = end;
-      ++end;
+    if (length + 1 == kOpcodeWordLimit) {
+      line.offset = start + static_cast<int32_t>(length);
+      ++length;
       break;
     }
-    line.offset = ++end;
+    line.offset = start + static_cast<int32_t>(++length);
   }
   std::string& word = as.OpcodeWord;
-  if (end == start)
-    word.clear();  // the cursor may stand past the text
-  else
-    word.assign(line.text, static_cast<size_t>(start), static_cast<size_t>(end - start));
-  for (char& c : word)
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
+  word.resize(length);
+  hash = kKeywordHashStart;
+  for (size_t i = 0; i < length; ++i) {
+    word[i] = FoldKeywordChar(text[i]);
+    hash = KeywordHashStep(hash, word[i]);
+  }
   return word;
 }
 
@@ -374,8 +376,8 @@ int ProcessStatement(Assembler& as) {
   as.OpcodeOffset = as.Line.offset;
   if (first == '\n' || first == '\0') return kResultNone;
   if (as.PercentDialect && first == '%' && TryPercentCall(as)) return kResultInstruction;
-  std::string_view word = ReadOpcodeWord(as);
-  uint32_t hash = KeywordHash(word);
+  uint32_t hash = 0;
+  std::string_view word = ReadOpcodeWord(as, hash);
   int mnemonic = FindMnemonic(word, hash);
   if (mnemonic >= 0) return EncodeInstruction(as, kMnemonics[mnemonic].base, mnemonic);
   const KeywordRow* directive = FindKeyword(kDataDirectives, word, hash);

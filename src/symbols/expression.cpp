@@ -503,7 +503,7 @@ class Evaluator {
 
 void StartEvaluation(Assembler& as, ExprValue& expr, bool wantsText, bool simpleRelocOnly) {
   bool tolerate = expr.TolerateUnknown;  // the caller's choice survives
-  expr = ExprValue{};
+  expr.Reset();
   expr.TolerateUnknown = tolerate;
   expr.WantsText = wantsText;
   as.ExprRelocatable = false;

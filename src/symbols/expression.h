@@ -43,6 +43,21 @@ struct ExprValue {
   bool LonePushed = false;  // LoneTerm already stands in LoneHistory
   LoneRecord LoneTerm;
   bool TextOverflow = false;  // FullText stopped growing at its capacity
+
+  // Back to a fresh evaluation, keeping the text's storage.
+  void Reset() {
+    FullText.clear();
+    WantsText = false;
+    LeftIsAbsolute = true;
+    TermSegment = nullptr;
+    PrimaryCount = 0;
+    LoneHistory[0] = LoneHistory[1] = LoneTerm = LoneRecord{};
+    LoneCount = 0;
+    TolerateUnknown = false;
+    LoneCandidate = false;
+    LonePushed = false;
+    TextOverflow = false;
+  }
 };
 
 // Thrown inside the evaluator only; EvaluateExpression catches it.
@@ -56,7 +71,18 @@ int32_t EvaluateExpression(Assembler& as, ExprValue& expr, std::string* textBuff
                            bool simpleRelocOnly = false);
 // The same with no text buffer: a relocatable term is an error there.
 int32_t EvaluateAbsolute(Assembler& as, bool simpleRelocOnly = false);
-// Reads the next token at the read offset.
-int ScanToken(Assembler& as, bool skipBlanks);
+// Reads the next token at the read offset: the general case.
+int ScanTokenAnyCharacter(Assembler& as, bool skipBlanks);
+
+// Reads the next token at the read offset. Most tokens are one character
+// that starts no operator and follows no blank: they take one table look.
+inline int ScanToken(Assembler& as, bool skipBlanks) {
+  LineCursor& line = as.Line;
+  const char c = line.Peek();
+  if (c == ' ' || c == '\t' || detail::kFirstCharacterRows[static_cast<unsigned char>(c)] != 0)
+    return ScanTokenAnyCharacter(as, skipBlanks);
+  ++line.offset;
+  return as.ExprToken = static_cast<int>(static_cast<signed char>(c));
+}
 
 }  // namespace ta51

@@ -1,5 +1,6 @@
 #include "symbols/symbols.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 
@@ -14,6 +15,12 @@ constexpr std::array<std::string_view, 25> kReservedNames = {
     "NARG", "R1",  "R2", "R3", "R4", "R5", "R6", "R7", "A",  "DPTR", "HIGH", "LOW", "MOD",
     "SHL",  "SHR", "EQ", "NE", "LT", "LE", "GT", "GE", "NOT", "AND", "OR",   "XOR",
 };
+
+constexpr size_t kLongestReservedName = 4;
+static_assert(std::all_of(kReservedNames.begin(), kReservedNames.end(),
+                          [](std::string_view name) { return name.size() <= kLongestReservedName; }));
+
+bool IsWordEnd(char c) { return c == ' ' || c == '\t' || c == '\n' || c == ',' || c == ')'; }
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -164,7 +171,12 @@ void MarkPublic(Assembler& as, int flag4, int flag5) {
 std::span<const std::string_view> ReservedNames() { return kReservedNames; }
 
 int IsFreeLabelName(std::string_view text) {
-  std::string_view word = text.substr(0, text.find_first_of(" \t\n,)"));
+  // The word runs to a blank, a comma, a parenthesis or the end; one longer
+  // than every reserved name is free without comparing.
+  size_t length = 0;
+  while (length < text.size() && length <= kLongestReservedName && !IsWordEnd(text[length])) ++length;
+  if (length > kLongestReservedName) return 1;
+  const std::string_view word = text.substr(0, length);
   for (std::string_view reserved : kReservedNames) {
     if (reserved.size() != word.size()) continue;
     size_t i = 0;
@@ -172,6 +184,12 @@ int IsFreeLabelName(std::string_view text) {
     if (i == word.size()) return 0;
   }
   return 1;
+}
+
+int IsFreeLabelName(const char* text) {
+  size_t length = 0;
+  while (length <= kLongestReservedName && text[length] != '\0') ++length;
+  return IsFreeLabelName(std::string_view(text, length));
 }
 
 int MatchRegisterSymbol(Assembler& as, int low, int high) {

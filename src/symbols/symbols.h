@@ -44,6 +44,7 @@ void DefineSymbol(Assembler& as, const char* name, const SymbolDefinition& defin
 void MarkPublic(Assembler& as, int flag4, int flag5);
 // 1 if the first word of `text` is no reserved name.
 int IsFreeLabelName(std::string_view text);
+int IsFreeLabelName(const char* text);  // the word at a zero-ended text
 // The names no label may take, for tools that list the words of the language.
 std::span<const std::string_view> ReservedNames();
 // A register alias at the read offset with a code in [low, high]: its code,

@@ -17,7 +17,7 @@ std::string_view OperatorText(int code) {
   return {};
 }
 
-int ScanToken(Assembler& as, bool skipBlanks) {
+int ScanTokenAnyCharacter(Assembler& as, bool skipBlanks) {
   LineCursor& line = as.Line;
   if (skipBlanks) {
     int32_t start = line.offset;
