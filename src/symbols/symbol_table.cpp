@@ -1,13 +1,22 @@
 #include "symbols/symbol_table.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace ta51 {
 
 namespace {
 
-unsigned char Fold(unsigned char c) { return (c >= 'a' && c <= 'z') ? static_cast<unsigned char>(c - 32) : c; }
+// Upper case of every byte, a table so that the hash of a name takes one
+// look per character and no branch.
+constexpr auto kFolded = [] {
+  std::array<unsigned char, 256> folded{};
+  for (int c = 0; c < 256; ++c) folded[static_cast<size_t>(c)] = static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+  return folded;
+}();
+
+unsigned char Fold(unsigned char c) { return kFolded[c]; }
 
 bool EqualFolded(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
