@@ -11,11 +11,6 @@
 
 namespace ta51 {
 
-const std::string_view LastOperandEnd = "; \t\n";
-const std::string_view InnerOperandEnd = "; \t\n,";
-const std::string_view CommaOrBlank = ", ";
-const std::string_view PlusOrBlank = "+ ";
-
 namespace {
 
 constexpr int kFirstRegisterCode = 2;  // R0
@@ -25,11 +20,9 @@ constexpr int kAccumulatorCode = 1;
 char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 // The zero past the end of the line ends every operand.
-bool IsTerminator(char c, std::string_view terminators) {
-  return c == '\0' || terminators.find(c) != std::string_view::npos;
-}
+bool IsTerminator(char c, TerminatorSet terminators) { return terminators.Ends(c); }
 
-bool MatchPatternCharacter(char pattern, char source, std::string_view terminators, PatternMatch& match) {
+bool MatchPatternCharacter(char pattern, char source, TerminatorSet terminators, PatternMatch& match) {
   if (pattern == '?') return IsTerminator(Upper(source), terminators);
   if (pattern != 'n') return Upper(source) == pattern;
   if (source < '0' || source > '7') return false;
@@ -38,7 +31,7 @@ bool MatchPatternCharacter(char pattern, char source, std::string_view terminato
 }
 
 // `Rn` or an alias of R0..R7, followed by a terminator.
-bool ReadRegisterName(Assembler& as, std::string_view terminators, int& number) {
+bool ReadRegisterName(Assembler& as, TerminatorSet terminators, int& number) {
   int code = MatchRegisterAlias(as, kFirstRegisterCode, kLastRegisterCode, terminators);
   if (code != 0) {
     number = RegisterNumber(code);
@@ -49,7 +42,7 @@ bool ReadRegisterName(Assembler& as, std::string_view terminators, int& number) 
 
 }  // namespace
 
-PatternMatch MatchPattern(Assembler& as, std::string_view pattern, std::string_view terminators) {
+PatternMatch MatchPattern(Assembler& as, std::string_view pattern, TerminatorSet terminators) {
   PatternMatch match;
   for (char p : pattern) {
     if (!MatchPatternCharacter(p, as.Line.Peek(), terminators, match)) return match;
@@ -60,7 +53,7 @@ PatternMatch MatchPattern(Assembler& as, std::string_view pattern, std::string_v
   return match;
 }
 
-bool MatchToken(Assembler& as, std::string_view pattern, std::string_view terminators, int* registerNumber) {
+bool MatchToken(Assembler& as, std::string_view pattern, TerminatorSet terminators, int* registerNumber) {
   PatternMatch match = MatchPattern(as, pattern, terminators);
   if (!match.matched) {
     as.Line.offset -= match.passed;
@@ -76,7 +69,7 @@ int RegisterNumber(int registerCode) {
                                                                                  : 0;
 }
 
-int MatchRegisterAlias(Assembler& as, int low, int high, std::string_view terminators) {
+int MatchRegisterAlias(Assembler& as, int low, int high, TerminatorSet terminators) {
   int32_t start = as.Line.offset;
   int code = MatchRegisterSymbol(as, low, high);
   if (code == 0) return 0;
@@ -87,7 +80,7 @@ int MatchRegisterAlias(Assembler& as, int low, int high, std::string_view termin
   return code;
 }
 
-bool MatchAccumulator(Assembler& as, std::string_view terminators) {
+bool MatchAccumulator(Assembler& as, TerminatorSet terminators) {
   return MatchToken(as, "A?", terminators) ||
          MatchRegisterAlias(as, kAccumulatorCode, kAccumulatorCode, terminators) != 0;
 }
@@ -119,12 +112,12 @@ bool IsAccumulatorComma(Assembler& as) {
   return false;
 }
 
-bool ReadRegister(Assembler& as, std::string_view terminators, int& number) {
+bool ReadRegister(Assembler& as, TerminatorSet terminators, int& number) {
   SkipBlanks(as);
   return ReadRegisterName(as, terminators, number);
 }
 
-int ReadIndirectRegister(Assembler& as, std::string_view terminators) {
+int ReadIndirectRegister(Assembler& as, TerminatorSet terminators) {
   SkipBlanks(as);
   int number = 0;
   if (!ReadRegisterName(as, terminators, number)) return ReportError(as, 76);

@@ -10,11 +10,29 @@
 
 namespace ta51 {
 
-// Terminator sets; each also accepts the zero that ends the text.
-extern const std::string_view LastOperandEnd;
-extern const std::string_view InnerOperandEnd;
-extern const std::string_view CommaOrBlank;
-extern const std::string_view PlusOrBlank;
+// Characters that end an operand, and the zero that ends the text. Every
+// terminator lies below 64, so a set is one word and a test one shift.
+class TerminatorSet {
+ public:
+  consteval explicit TerminatorSet(std::string_view characters) {
+    for (char c : characters) {
+      if (static_cast<unsigned char>(c) >= 64) throw "a terminator must lie below 64";
+      mask_ |= uint64_t{1} << static_cast<unsigned char>(c);
+    }
+  }
+  bool Ends(char c) const {
+    const auto code = static_cast<unsigned char>(c);
+    return code == 0 || (code < 64 && ((mask_ >> code) & 1) != 0);
+  }
+
+ private:
+  uint64_t mask_ = 0;
+};
+
+inline constexpr TerminatorSet LastOperandEnd{"; \t\n"};
+inline constexpr TerminatorSet InnerOperandEnd{"; \t\n,"};
+inline constexpr TerminatorSet CommaOrBlank{", "};
+inline constexpr TerminatorSet PlusOrBlank{"+ "};
 
 struct PatternMatch {
   bool matched = false;
@@ -22,9 +40,9 @@ struct PatternMatch {
   int registerNumber = -1;
 };
 
-PatternMatch MatchPattern(Assembler& as, std::string_view pattern, std::string_view terminators);
+PatternMatch MatchPattern(Assembler& as, std::string_view pattern, TerminatorSet terminators);
 // As MatchPattern, stepping back on failure, and back over a final `?`.
-bool MatchToken(Assembler& as, std::string_view pattern, std::string_view terminators,
+bool MatchToken(Assembler& as, std::string_view pattern, TerminatorSet terminators,
                 int* registerNumber = nullptr);
 
 // Ways of reading a byte or word operand: what its type must be.
@@ -33,16 +51,16 @@ enum OperandMode : int { kDirectAddress = 0, kCodeAddress = 1, kImmediateValue =
 // The register number 0..7 of a RegisterCode; codes outside R1..R7 give 0.
 int RegisterNumber(int registerCode);
 // A register alias with a code in [low, high] that a terminator follows.
-int MatchRegisterAlias(Assembler& as, int low, int high, std::string_view terminators);
+int MatchRegisterAlias(Assembler& as, int low, int high, TerminatorSet terminators);
 // `A` or an alias of it, followed by a terminator left unread.
-bool MatchAccumulator(Assembler& as, std::string_view terminators);
+bool MatchAccumulator(Assembler& as, TerminatorSet terminators);
 // Consumes `c` after blanks if it stands there.
 bool NextIs(Assembler& as, char c);
 
 bool IsAccumulator(Assembler& as);
 bool IsAccumulatorComma(Assembler& as);
-bool ReadRegister(Assembler& as, std::string_view terminators, int& number);
-int ReadIndirectRegister(Assembler& as, std::string_view terminators);
+bool ReadRegister(Assembler& as, TerminatorSet terminators, int& number);
+int ReadIndirectRegister(Assembler& as, TerminatorSet terminators);
 bool ExpectComma(Assembler& as);
 char NextNonBlank(Assembler& as);
 
