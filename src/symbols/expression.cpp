@@ -75,12 +75,16 @@ class Evaluator {
     if (level == 5) return Additive();
     if (level == 7) return Primary();
     if (level == 6) return Product();
-    return Climb(Additive(), level);
+    int32_t left = Additive();
+    // Most operands end without an operator of these levels.
+    const int found = BinaryLevel(as_.ExprToken);
+    if (as_.LineHasError || found < level || found > 4) return as_.LineHasError ? 0 : left;
+    return Climb(left, level);
   }
 
   // Applies the operators of levels `level` to 4 that follow `left`, the
   // tighter ones first, each level from left to right.
-  int32_t Climb(int32_t left, int level) {
+  [[gnu::noinline]] int32_t Climb(int32_t left, int level) {
     while (!as_.LineHasError) {
       const int found = BinaryLevel(as_.ExprToken);
       if (found < level || found > 4) break;
@@ -391,7 +395,8 @@ class Evaluator {
     if (segment->IsAbsolute()) return AbsoluteTerm(offset);
     if (!expr_.WantsText) throw CExpressionException{std::string(kUnexpectedRelocatable)};
     MarkLone(term, offset, segment);
-    RelocatableTerm(SegmentText(segment, offset));
+    RelocatableTerm();
+    AppendSegmentText(segment, offset);
     return 0;
   }
 
@@ -415,13 +420,16 @@ class Evaluator {
       return value;
     }
     if (!expr_.WantsText) throw CExpressionException{std::string(kUnexpectedRelocatable)};
-    std::string text = RelocatableText(symbol);
+    // A segment name keeps its segment's type in the text, before the term
+    // is recorded.
+    if (symbol.relocation != REL_XREF && symbol.type == T_RSEGMENT) as_.ExprType = symbol.relocation;
     // Externals and segment names never cancel against anything; stored text
     // has no segment of its own to cancel in.
     if (symbol.relocation != REL_XREF && symbol.type != T_RSEGMENT)
       if (!symbol.Expression().empty() || symbol.segment != nullptr)
         MarkLone(term, symbol.value, symbol.Expression().empty() ? symbol.segment : nullptr);
-    RelocatableTerm(text);
+    RelocatableTerm();
+    AppendRelocatableText(symbol);
     ScanToken(as_, true);
     return 0;
   }
@@ -449,20 +457,41 @@ class Evaluator {
     return AbsoluteTerm(as_.ExprUndefined ? kUndefinedValue : symbol.value);
   }
 
-  std::string RelocatableText(const SymbolEntry& symbol) {
-    if (symbol.relocation == REL_XREF) return HexText(symbol.value).insert(0, 1, 'X');
-    if (symbol.type == T_RSEGMENT) {
-      as_.ExprType = symbol.relocation;  // a segment name keeps its segment's type there
-      return HexText(symbol.value).insert(0, 1, 'L');
+  // The linker's text of a relocatable symbol, appended piece by piece.
+  [[gnu::noinline]] void AppendRelocatableText(const SymbolEntry& symbol) {
+    if (symbol.relocation == REL_XREF) {
+      Append("X");
+      AppendHex(static_cast<uint32_t>(symbol.value));
+    } else if (symbol.type == T_RSEGMENT) {
+      Append("L");
+      AppendHex(static_cast<uint32_t>(symbol.value));
+    } else if (!symbol.Expression().empty()) {
+      Append("(");
+      Append(symbol.Expression());
+      Append(")");
+    } else {
+      AppendSegmentText(symbol.segment, symbol.value);
     }
-    if (!symbol.Expression().empty()) return std::string(1, '(').append(symbol.Expression()).append(1, ')');
-    return SegmentText(symbol.segment, symbol.value);
   }
 
   // A place in a relocatable segment: its number and the offset, if any.
-  static std::string SegmentText(const SegmentEntry* segment, int32_t offset) {
-    std::string number = HexText(segment != nullptr ? static_cast<uint32_t>(segment->number) : 0);
-    return offset != 0 ? "(R" + number + "+" + HexText(static_cast<uint32_t>(offset)) + ")" : "R" + number;
+  [[gnu::noinline]] void AppendSegmentText(const SegmentEntry* segment, int32_t offset) {
+    const uint32_t number = segment != nullptr ? static_cast<uint32_t>(segment->number) : 0;
+    if (offset == 0) {
+      Append("R");
+      AppendHex(number);
+      return;
+    }
+    Append("(R");
+    AppendHex(number);
+    Append("+");
+    AppendHex(static_cast<uint32_t>(offset));
+    Append(")");
+  }
+
+  void AppendHex(uint32_t value) {
+    char digits[8];
+    Append(HexDigits(value, digits));
   }
 
   // The primary just read may stand alone as an operand of "+" or "-".
@@ -482,18 +511,16 @@ class Evaluator {
     if (as_.SegmentOperandWanted && as_.ExprType != T_RSEGMENT) ReportError(as_, 90);
   }
 
-  void RelocatableTerm(const std::string& text) {
+  // Counts a relocatable term; its text follows.
+  void RelocatableTerm() {
     ++as_.ExprRelocCount;
     as_.ExprRelocatable = true;
     expr_.LeftIsAbsolute = false;
-    Append(text);
   }
 
   int32_t AbsoluteTerm(int32_t value) {
     expr_.LeftIsAbsolute = true;
-    if (!expr_.WantsText) return value;
-    char digits[8];
-    Append(HexDigits(static_cast<uint32_t>(value), digits));
+    if (expr_.WantsText) AppendHex(static_cast<uint32_t>(value));
     return value;
   }
 
