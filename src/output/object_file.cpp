@@ -183,39 +183,6 @@ void WriteNameLists(Assembler& as) {
 
 }  // namespace
 
-int WriteObjectRecord(Assembler& as, const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  int result = WriteRecordV(as, format, arguments);
-  va_end(arguments);
-  return result;
-}
-
-void WriteCheckedRecord(Assembler& as, const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  int result = WriteRecordV(as, format, arguments);
-  va_end(arguments);
-  if (result < 0) ReportError(as, 25, false);
-}
-
-void WriteLoadItem(Assembler& as, const uint8_t* bytes, int count, bool isField, bool first, bool last,
-                   const OperandSlot* slot) {
-  if (!as.opt.OBJ) return;
-  if (count != 0) {
-    if (first) WriteRaw(as, "LR");
-    if (slot != nullptr && !slot->text.empty()) {
-      WriteField(as, *slot);
-      as.TotalBytes += static_cast<uint32_t>(slot->FixupSize);
-    } else {
-      WriteHexBytes(as, bytes, count);
-      as.TotalBytes += static_cast<uint32_t>(count);
-    }
-  }
-  if (last && !WriteRaw(as, ".\r\n")) ReportError(as, 25, false);
-  (void)isField;
-}
-
 namespace {
 
 // The record of an instruction with no field for the linker, the most common
@@ -235,6 +202,44 @@ void WritePlainLoadRecord(Assembler& as, const uint8_t* code, int length) {
 }
 
 }  // namespace
+
+int WriteObjectRecord(Assembler& as, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  int result = WriteRecordV(as, format, arguments);
+  va_end(arguments);
+  return result;
+}
+
+void WriteCheckedRecord(Assembler& as, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  int result = WriteRecordV(as, format, arguments);
+  va_end(arguments);
+  if (result < 0) ReportError(as, 25, false);
+}
+
+void WriteLoadItem(Assembler& as, const uint8_t* bytes, int count, bool isField, bool first, bool last,
+                   const OperandSlot* slot) {
+  if (!as.opt.OBJ) return;
+  if (count != 0 && count <= kMaxInstructionLength && first && last && (slot == nullptr || slot->text.empty())) {
+    WritePlainLoadRecord(as, bytes, count);  // a whole record of bytes: one write
+    return;
+  }
+  if (count != 0) {
+    if (first) WriteRaw(as, "LR");
+    if (slot != nullptr && !slot->text.empty()) {
+      WriteField(as, *slot);
+      as.TotalBytes += static_cast<uint32_t>(slot->FixupSize);
+    } else {
+      WriteHexBytes(as, bytes, count);
+      as.TotalBytes += static_cast<uint32_t>(count);
+    }
+  }
+  if (last && !WriteRaw(as, ".\r\n")) ReportError(as, 25, false);
+  (void)isField;
+}
+
 
 void EmitInstruction(Assembler& as) {
   // A statement of no bytes writes nothing, not even an empty record.
