@@ -32,6 +32,15 @@ constexpr bool EqualIgnoringCase(std::string_view a, std::string_view b) {
   return true;
 }
 
+// Byte for byte: keywords are a few characters long, shorter than the call
+// of a general comparison.
+constexpr bool SameKeyword(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i)
+    if (a[i] != b[i]) return false;
+  return true;
+}
+
 // Slots for `rows` keywords: a power of two, at least four times as many.
 constexpr size_t KeywordSlots(size_t rows) {
   size_t slots = 8;
@@ -72,7 +81,7 @@ int FindIndexedKeyword(std::span<const uint16_t> slots, std::span<const Row> row
   for (size_t at = hash & mask; slots[at] != 0; at = (at + 1) & mask) {
     int row = slots[at] - 1;
     std::string_view name = nameOf(rows[row]);
-    if (ignoreCase ? EqualIgnoringCase(name, word) : name == word) {
+    if (ignoreCase ? EqualIgnoringCase(name, word) : SameKeyword(name, word)) {
       if (!ignoreCase) return row;
       // Case-blind, several rows may match: the first in table order wins.
       if (found < 0 || row < found) found = row;

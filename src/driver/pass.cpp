@@ -143,7 +143,7 @@ void FinishInstruction(Assembler& as) {
   DefineLabel(as, kResultInstruction);
   if (as.LineHasError) return;
   if (!as.SecondPass) {
-    if (as.NeedsSizeByte && std::fputc(as.CodeLength & 0xFF, as.SizeFile) == EOF) ReportError(as, 25);
+    if (as.NeedsSizeByte && putc_unlocked(as.CodeLength & 0xFF, as.SizeFile) == EOF) ReportError(as, 25);
     as.TotalBytes += static_cast<uint32_t>(as.CodeLength);
   } else if (!as.opt.OBJ) {
     as.TotalBytes += static_cast<uint32_t>(as.CodeLength);

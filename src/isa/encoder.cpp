@@ -103,7 +103,7 @@ int ReadSizeByte(Assembler& as) {
     as.NeedsSizeByte = true;
     return 0;
   }
-  int size = as.SizeFile != nullptr ? std::fgetc(as.SizeFile) : EOF;
+  int size = as.SizeFile != nullptr ? getc_unlocked(as.SizeFile) : EOF;
   return size == EOF ? 0 : size;
 }
 

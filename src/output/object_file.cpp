@@ -22,11 +22,21 @@ int WriteRecordV(Assembler& as, const char* format, va_list arguments) {
   return std::vfprintf(as.ObjectStream, format, arguments);
 }
 
+constexpr size_t kShortRecord = 16;
+
 // Writes text as it is; false when the stream refused it. Load records are
 // the bulk of a module, so they bypass the formatted writer.
 bool WriteRaw(Assembler& as, std::string_view text) {
-  if (as.ObjectStream == nullptr) return false;
-  return fwrite_unlocked(text.data(), 1, text.size(), as.ObjectStream) == text.size();
+  FILE* stream = as.ObjectStream;
+  if (stream == nullptr) return false;
+  // A short record goes byte by byte into the stream's buffer, where the
+  // general write would cost more than the bytes themselves.
+  if (text.size() <= kShortRecord) {
+    for (char c : text)
+      if (putc_unlocked(c, stream) == EOF) return false;
+    return true;
+  }
+  return fwrite_unlocked(text.data(), 1, text.size(), stream) == text.size();
 }
 
 void WriteHexBytes(Assembler& as, const uint8_t* bytes, int count) {
