@@ -1,18 +1,23 @@
 #include "output/list_file.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cstdarg>
 #include <cstring>
 #include <string>
 #include <string_view>
 
 #include "core/diagnostics.h"
+#include "output/list_text.h"
 #include "symbols/expression.h"
 #include "isa/predefined.h"
 
 namespace ta51 {
 
 namespace {
+
+using namespace list_text;
 
 constexpr int32_t kNoText = -1;
 
@@ -24,27 +29,6 @@ struct FieldText {
   int32_t text = kNoText;
   int32_t end = kNoText;
   int32_t width = 0;
-};
-
-// What one listed line carries from row to row. Its text goes to the run's
-// list buffer; on the console, where it interleaves with messages, the
-// buffer is handed on when the line is done.
-struct ListRow {
-  explicit ListRow(Assembler& assembler) : as(assembler) {}
-  ListRow(const ListRow&) = delete;
-  ListRow& operator=(const ListRow&) = delete;
-  ~ListRow() {
-    if (as.ListIsConsole) FlushListBuffer(as);
-  }
-
-  Assembler& as;
-  int32_t Column = 0;
-  int32_t TargetColumn = 0;
-  FieldText Fields[kFieldCount];
-
-  bool AnyTextLeft() const {
-    return std::any_of(std::begin(Fields), std::end(Fields), [](const FieldText& f) { return f.text != kNoText; });
-  }
 };
 
 __attribute__((format(printf, 1, 2))) std::string Format(const char* format, ...) {
@@ -62,99 +46,59 @@ __attribute__((format(printf, 1, 2))) std::string Format(const char* format, ...
   return text;
 }
 
-// Appends to the list buffer; text larger than the buffer goes straight on.
-void Write(Assembler& as, std::string_view text) {
-  ListBuffer& buffer = as.ListPending;
-  if (text.size() > ListBuffer::kCapacity - buffer.used) {
-    FlushListBuffer(as);
-    if (text.size() > ListBuffer::kCapacity) {
-      std::fwrite(text.data(), 1, text.size(), as.ListStream);
-      return;
-    }
+// A C string (up to its first zero, as the header has always shown it),
+// padded with blanks to `width` columns and cut to `limit` characters.
+void PutHeaderText(BufferSink& sink, const std::string& text, size_t width, size_t limit = SIZE_MAX) {
+  size_t length = std::min(limit, text.size());
+  if (const void* zero = std::memchr(text.data(), '\0', length)) length = static_cast<size_t>(static_cast<const char*>(zero) - text.data());
+  sink.Put(text.data(), length);
+  if (length < width) sink.Blanks(width - length);
+}
+
+// --- Listed rows -------------------------------------------------------------
+
+// What one listed line carries from row to row.
+template <class Sink>
+struct ListRow {
+  ListRow(Assembler& assembler, Sink out) : as(assembler), sink(out) {}
+
+  Assembler& as;
+  Sink sink;
+  int32_t Column = 0;
+  int32_t TargetColumn = 0;
+  FieldText Fields[kFieldCount];
+
+  bool AnyTextLeft() const {
+    return std::any_of(std::begin(Fields), std::end(Fields), [](const FieldText& f) { return f.text != kNoText; });
   }
-  std::memcpy(buffer.data.get() + buffer.used, text.data(), text.size());
-  buffer.used += text.size();
-}
+};
 
-void Write(Assembler& as, char c) {
-  ListBuffer& buffer = as.ListPending;
-  if (buffer.used == ListBuffer::kCapacity) FlushListBuffer(as);
-  buffer.data[buffer.used++] = c;
-}
-
-// Writes outside a listed line: on the console they go on at once.
-void WriteSettled(Assembler& as, std::string_view text) {
-  Write(as, text);
-  if (as.ListIsConsole) FlushListBuffer(as);
-}
-
-void Put(ListRow& row, char c) {
-  Write(row.as, c);
+template <class Sink>
+void Put(ListRow<Sink>& row, char c) {
+  row.sink.Put(c);
   ++row.Column;
 }
 
-void Put(ListRow& row, std::string_view text) {
-  Write(row.as, text);
+template <class Sink>
+void Put(ListRow<Sink>& row, std::string_view text) {
+  row.sink.Put(text.data(), text.size());
   row.Column += static_cast<int32_t>(text.size());
 }
 
-// Padding wider than the room left goes in pieces that fit the buffer.
-void PutBlanksInPieces(ListRow& row, size_t count) {
-  ListBuffer& buffer = row.as.ListPending;
-  while (count != 0) {
-    if (buffer.used == ListBuffer::kCapacity) FlushListBuffer(row.as);
-    const size_t piece = std::min(count, ListBuffer::kCapacity - buffer.used);
-    std::memset(buffer.data.get() + buffer.used, ' ', piece);
-    buffer.used += piece;
-    count -= piece;
-  }
+// A piece that `text` writes at the place it is given, in at most `room`
+// bytes, returning its end.
+template <class Sink, class Text>
+void PutMade(ListRow<Sink>& row, size_t room, Text text) {
+  char* const out = row.sink.Room(room);
+  char* const end = text(out);
+  row.sink.Done(end);
+  row.Column += static_cast<int32_t>(end - out);
 }
 
-void PutBlanks(ListRow& row, int32_t count) {
-  ListBuffer& buffer = row.as.ListPending;
+template <class Sink>
+void PutBlanks(ListRow<Sink>& row, int32_t count) {
+  row.sink.Blanks(static_cast<size_t>(count));
   row.Column += count;
-  const size_t blanks = static_cast<size_t>(count);
-  if (blanks > ListBuffer::kCapacity - buffer.used) return PutBlanksInPieces(row, blanks);
-  std::memset(buffer.data.get() + buffer.used, ' ', blanks);
-  buffer.used += blanks;
-}
-
-// Ends the row's text, then what writes straight to the stream may follow.
-void EndRowThenBlankLine(ListRow& row) { ListBlankLine(row.as); }
-
-void NewPageForRow(ListRow& row) { NewPage(row.as); }
-
-constexpr char kHexDigits[] = "0123456789ABCDEF";
-
-// " XX": a listed byte.
-void PutByte(ListRow& row, uint8_t value) {
-  const char text[3] = {' ', kHexDigits[value >> 4], kHexDigits[value & 15]};
-  Put(row, std::string_view(text, 3));
-}
-
-// " XXXX": a listed address or value, with more digits when it needs them.
-void PutAddress(ListRow& row, uint32_t value) {
-  char text[9];
-  int at = sizeof text;
-  do {
-    text[--at] = kHexDigits[value & 15];
-    value >>= 4;
-  } while (value != 0 || sizeof text - at < 4);
-  text[--at] = ' ';
-  Put(row, std::string_view(text + at, sizeof text - at));
-}
-
-// A decimal number right-aligned in `width` columns, with `fill` before it;
-// wider numbers take the room they need.
-void PutDecimal(ListRow& row, uint32_t value, int width, char fill) {
-  char text[24];
-  int at = sizeof text;
-  do {
-    text[--at] = static_cast<char>('0' + value % 10);
-    value /= 10;
-  } while (value != 0);
-  while (static_cast<int>(sizeof text) - at < width) text[--at] = fill;
-  Put(row, std::string_view(text + at, sizeof text - at));
 }
 
 // A limit of 0 means none; a negative one is taken as none too, since no row
@@ -163,7 +107,13 @@ bool LimitReached(const Assembler& as, int32_t column) {
   return as.ListLineLimit > 0 && column >= as.ListLineLimit;
 }
 
-bool IsFieldBreak(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\0'; }
+constexpr auto kFieldBreaks = [] {
+  std::array<bool, 256> breaks{};
+  breaks[' '] = breaks['\t'] = breaks['\n'] = breaks['\0'] = true;
+  return breaks;
+}();
+
+bool IsFieldBreak(char c) { return kFieldBreaks[static_cast<unsigned char>(c)]; }
 
 // Offset of the new line (or the end of the text) at or after `from`.
 int32_t LineEnd(const LineCursor& line, int32_t from) {
@@ -178,26 +128,34 @@ int32_t LineEnd(const LineCursor& line, int32_t from) {
   return from + static_cast<int32_t>(length);
 }
 
-void PadToTarget(ListRow& row) {
+template <class Sink>
+void PadToTarget(ListRow<Sink>& row) {
   if (row.Column > row.TargetColumn) Put(row, ' ');
   if (row.Column <= row.TargetColumn) PutBlanks(row, row.TargetColumn - row.Column + 1);
 }
 
 // Writes one field from its text position; returns what the line limit left
 // over, or kNoText.
-int32_t WriteField(ListRow& row, const FieldText& field, bool first) {
+template <class Sink>
+int32_t WriteField(ListRow<Sink>& row, const FieldText& field, bool first) {
   const LineCursor& line = row.as.Line;
   const int32_t text = field.text;
   int32_t end = field.end;
   if (end != kNoText && text > end) return kNoText;
   if (text == end || (!first && IsFieldBreak(line.At(text)))) return kNoText;
-  if (LimitReached(row.as, row.Column)) return text;
+  if constexpr (Sink::kMayMeetLimit) {
+    if (LimitReached(row.as, row.Column)) return text;
+  }
   PadToTarget(row);
   if (end == kNoText) {
     end = LineEnd(line, text);
   } else {
     end = std::min(end, static_cast<int32_t>(line.text.size()));
     while (end > text && IsFieldBreak(line.At(end - 1))) --end;
+  }
+  if constexpr (!Sink::kMayMeetLimit) {
+    if (end > text) Put(row, std::string_view(line.text.data() + text, static_cast<size_t>(end - text)));
+    return kNoText;
   }
   // As many characters at once as the line limit leaves room for; at least
   // one, for the padding may already have reached the limit.
@@ -213,7 +171,8 @@ int32_t WriteField(ListRow& row, const FieldText& field, bool first) {
 
 // Writes the fields that still have text; a field cut by the limit ends the
 // row. Only a field that ends moves the column of the next one.
-void WriteFields(ListRow& row, bool first) {
+template <class Sink>
+void WriteFields(ListRow<Sink>& row, bool first) {
   for (FieldText& field : row.Fields) {
     if (field.text == kNoText) continue;
     field.text = WriteField(row, field, first);
@@ -223,7 +182,8 @@ void WriteFields(ListRow& row, bool first) {
   }
 }
 
-void SetUpFields(ListRow& row) {
+template <class Sink>
+void SetUpFields(ListRow<Sink>& row) {
   const Assembler& as = row.as;
   row.TargetColumn = as.ListSourceColumn;
   if (as.CommentLine) {
@@ -244,15 +204,25 @@ void CheckFieldsFit(Assembler& as) {
   }
 }
 
-void WriteNumberColumn(ListRow& row) {
+// The number column: a sequence number is an int, shown as "%05d", in at
+// most 11 columns; the fill of PutDecimal may reach further before the rest
+// of the row covers it.
+constexpr size_t kNumberColumnRoom = kDecimalFillLimit;
+
+// A sequence number is shown as an int; one that only becomes negative by
+// that is shown as the unsigned number of its bits.
+int64_t ShownSequenceNumber(int64_t number) {
+  const int shown = static_cast<int>(number);
+  return number < 0 ? int64_t{shown} : int64_t{static_cast<uint32_t>(shown)};
+}
+
+template <class Sink>
+void WriteNumberColumn(ListRow<Sink>& row) {
   const Assembler& as = row.as;
   if (as.FromSourceFile && !as.CL) {
-    if (as.opt.SEQ && as.SequenceNumber < 0)
-      Put(row, Format("%05d", static_cast<int>(as.SequenceNumber)));
-    else if (as.opt.SEQ)
-      PutDecimal(row, static_cast<uint32_t>(static_cast<int>(as.SequenceNumber)), 5, '0');
-    else
-      PutDecimal(row, as.LineNumber, 5, ' ');
+    const bool sequenced = static_cast<bool>(as.opt.SEQ);
+    const int64_t number = sequenced ? ShownSequenceNumber(as.SequenceNumber) : int64_t{as.LineNumber};
+    PutMade(row, kDecimalFillLimit, [&](char* out) { return DecimalText(out, number, 5, sequenced ? '0' : ' '); });
   } else if (!as.BlankLine && !as.CL) {
     Put(row, "     ");
   } else {
@@ -266,22 +236,51 @@ uint8_t ListedByte(const Assembler& as, int32_t index) {
   return index < 3 ? as.CodeBuffer[index] : 0;
 }
 
-void WriteBytes(ListRow& row, int32_t from, int32_t to) {
-  for (int32_t index = from; index < to; ++index) PutByte(row, ListedByte(row.as, index));
+template <class Sink>
+void WriteBytes(ListRow<Sink>& row, int32_t from, int32_t to) {
+  for (int32_t index = from; index < to; ++index)
+    PutMade(row, 3, [&](char* out) { return ByteText(out, ListedByte(row.as, index)); });
 }
 
-void WriteAddressAndBytes(ListRow& row) {
+// The address column and the bytes of a row, at most 9 + 9 columns.
+constexpr size_t kAddressAndBytesRoom = 18;
+
+template <class Sink>
+void WriteAddressAndBytes(ListRow<Sink>& row) {
   Assembler& as = row.as;
   if (as.ShowLineValue)
-    PutAddress(row, static_cast<uint32_t>(as.LineValue));
+    PutMade(row, kAddressRoom, [&](char* out) { return AddressText(out, static_cast<uint32_t>(as.LineValue)); });
   else
     Put(row, "     ");
   WriteBytes(row, 0, std::min(as.CodeLength, 3));
   as.SavedBytesFlag = as.CodeLength >= 4;
 }
 
+// The first row of a listed line; false for a blank line, which has no more.
+template <class Sink>
+bool WriteFirstRow(ListRow<Sink>& row) {
+  Assembler& as = row.as;
+  WriteNumberColumn(row);
+  if (as.BlankLine) {
+    Put(row, '\n');
+    return false;
+  }
+  WriteAddressAndBytes(row);
+  SetUpFields(row);
+  WriteFields(row, as.CommentLine);
+  Put(row, '\n');
+  return true;
+}
+
+using CheckedRow = ListRow<BufferSink>;
+
+// Ends the row's text, then what writes straight to the stream may follow.
+void EndRowThenBlankLine(CheckedRow& row) { ListBlankLine(row.as); }
+
+void NewPageForRow(CheckedRow& row) { NewPage(row.as); }
+
 // Further rows of a long DB or DW, each with the address of its first byte.
-void WriteByteRows(ListRow& row) {
+void WriteByteRows(CheckedRow& row) {
   Assembler& as = row.as;
   if (!as.SavedBytesFlag || as.CodeLength < 4) return;
   uint32_t address = static_cast<uint32_t>(as.LineValue);
@@ -291,7 +290,7 @@ void WriteByteRows(ListRow& row) {
     row.Column = 0;
     if (!as.CL) Put(row, "     ");
     row.Column = 5;
-    PutAddress(row, address);
+    PutMade(row, kAddressRoom, [&](char* out) { return AddressText(out, address); });
     WriteBytes(row, next, std::min(next + 3, as.CodeLength));
     WriteFields(row, true);
     EndRowThenBlankLine(row);
@@ -299,7 +298,7 @@ void WriteByteRows(ListRow& row) {
 }
 
 // Text that the line limit cut goes on in rows of its own.
-void WriteTextRows(ListRow& row) {
+void WriteTextRows(CheckedRow& row) {
   Assembler& as = row.as;
   while (row.AnyTextLeft()) {
     row.Column = 0;
@@ -309,15 +308,65 @@ void WriteTextRows(ListRow& row) {
   }
 }
 
+// Any listed line: every row, the room for each piece checked. On the
+// console, where the text interleaves with messages, it goes on at once.
+void ListRowsChecked(Assembler& as) {
+  CheckedRow row(as, BufferSink(as));
+  if (WriteFirstRow(row)) {
+    WriteByteRows(row);
+    WriteTextRows(row);
+  }
+  if (as.ListIsConsole) FlushListBuffer(as);
+}
+
+// The most a row without a line limit can take: the columns before the
+// source text, padding up to the last field's column and one blank more per
+// field, the text of every field (fields may overlap), the new line and the
+// reach of the last blank store. Returns 0 for more than the buffer holds.
+size_t RowRoom(const Assembler& as) {
+  const int64_t lastColumn = int64_t{std::max(as.ListSourceColumn, 0)} + std::max(as.LabelFieldWidth, 0) +
+                             std::max(as.OpcodeFieldWidth, 0) + std::max(as.OperandFieldWidth, 0);
+  const int64_t room = static_cast<int64_t>(kNumberColumnRoom + kAddressAndBytesRoom + kFieldCount + 1 + kBlankStore) +
+                       lastColumn + int64_t{kFieldCount} * static_cast<int64_t>(as.Line.text.size());
+  return room <= static_cast<int64_t>(ListBuffer::kCapacity) ? static_cast<size_t>(room) : 0;
+}
+
+// The common line: one row, no line limit, not on the console. Its room is
+// made once and its text written without a check per piece.
+bool ListRowInReservedRoom(Assembler& as) {
+  if (as.ListLineLimit > 0 || as.ListIsConsole || as.CodeLength > 3) return false;
+  const size_t room = RowRoom(as);
+  if (room == 0) return false;
+  ListBuffer& buffer = as.ListPending;
+  if (room > ListBuffer::kCapacity - buffer.used) FlushListBuffer(as);
+  ListRow<ReservedSink> row(as, ReservedSink(buffer.data.get() + buffer.used));
+  WriteFirstRow(row);
+  buffer.used = static_cast<size_t>(row.sink.End() - buffer.data.get());
+  return true;
+}
+
 }  // namespace
 
+// Formats the header without printf: "PAGE  %03d  %-40s %.24s\n" and
+// "           %-15s   %s\n\n".
 void NewPage(Assembler& as) {
   ++as.PageNumber;
   if (as.opt.PAGE && as.ListStream != nullptr) {
+    BufferSink sink(as);
     // On the console a form feed would only clear the screen.
-    Write(as, as.ListIsConsole ? '\n' : '\f');
-    Write(as, Format("PAGE  %03d  %-40s %.24s\n", as.PageNumber, as.CurrentFileName.c_str(), as.RunTime.c_str()));
-    WriteSettled(as, Format("           %-15s   %s\n\n", as.ExplicitModuleName.c_str(), as.TitleText.c_str()));
+    sink.Put(as.ListIsConsole ? '\n' : '\f');
+    sink.Put("PAGE  ", 6);
+    sink.Done(DecimalText(sink.Room(kDecimalFillLimit), as.PageNumber, 3, '0'));
+    sink.Put("  ", 2);
+    PutHeaderText(sink, as.CurrentFileName, 40);
+    sink.Put(' ');
+    PutHeaderText(sink, as.RunTime, 0, 24);
+    sink.Put("\n           ", 12);
+    PutHeaderText(sink, as.ExplicitModuleName, 15);
+    sink.Put("   ", 3);
+    PutHeaderText(sink, as.TitleText, 0);
+    sink.Put("\n\n", 2);
+    if (as.ListIsConsole) FlushListBuffer(as);
   }
   as.NewPageWanted = false;
   as.LineCount = 3;
@@ -345,18 +394,7 @@ void ListLine(Assembler& as) {
   if (as.NewPageWanted || as.LineCount >= as.PageLength) NewPage(as);
   CheckFieldsFit(as);
   ++as.LineCount;
-  ListRow row(as);
-  WriteNumberColumn(row);
-  if (as.BlankLine) {
-    Put(row, '\n');
-    return;
-  }
-  WriteAddressAndBytes(row);
-  SetUpFields(row);
-  WriteFields(row, as.CommentLine);
-  Put(row, '\n');
-  WriteByteRows(row);
-  WriteTextRows(row);
+  if (!ListRowInReservedRoom(as)) ListRowsChecked(as);
 }
 
 // --- Symbol table ----------------------------------------------------------

@@ -101,6 +101,44 @@ TEST_F(ListFileTest, PageHeadersAndTheWidthWarning) {
   EXPECT_EQ(as.LineCount, 4);
 }
 
+// The header's names are padded to their columns but never cut; the run
+// time is cut to its 24 characters; the page number widens past 3 digits.
+TEST_F(ListFileTest, PageHeaderWithNamesWiderThanTheirColumns) {
+  as.opt.PAGE.bits = 1, as.PageNumber = 1233;
+  as.CurrentFileName = std::string(45, 'F'), as.RunTime = "Mon Jan  1 12:00:00 2024 and more";
+  as.ExplicitModuleName = std::string(20, 'M'), as.TitleText = "T";
+  NewPage(as);
+  EXPECT_EQ(Listed(), "\fPAGE  1234  " + std::string(45, 'F') + " Mon Jan  1 12:00:00 2024\n" + std::string(11, ' ') +
+                          std::string(20, 'M') + "   T\n\n");
+}
+
+// "%05d" puts the sign before the zeros.
+TEST_F(ListFileTest, NegativeSequenceNumberKeepsItsSignInFiveColumns) {
+  as.opt.SEQ.bits = 1, as.SequenceNumber = -12, as.BlankLine = true;
+  ListLine(as);
+  EXPECT_EQ(Listed(), "-0012\n");
+}
+
+// Rows that cross the end of the run's list buffer arrive whole and in order.
+TEST_F(ListFileTest, RowsAcrossTheListBufferEndArriveWhole) {
+  as.LineNumber = 1, as.LineValue = 0x1234, as.CodeLength = 1;
+  const std::string row = Row({{0, "    1 1234 00"}, {33, "NOP"}, {61, "; c"}});
+  const size_t rows = 2 * ListBuffer::kCapacity / row.size() + 1;
+  for (size_t n = 0; n < rows; ++n) List(" NOP ; c\n", 0, 1, 5, 5);
+  std::string expected;
+  for (size_t n = 0; n < rows; ++n) expected += row;
+  EXPECT_EQ(Listed(), expected);
+}
+
+// A line too long to reserve its row's room in the buffer is listed in full.
+TEST_F(ListFileTest, LineLongerThanTheListBufferIsListedWhole) {
+  const std::string label(ListBuffer::kCapacity, 'L');
+  as.LineNumber = 1, as.ShowLineValue = false;
+  List(label + " NOP\n", 0, static_cast<int>(label.size()) + 1, static_cast<int>(label.size()) + 4,
+       static_cast<int>(label.size()) + 4);
+  EXPECT_EQ(Listed(), Row({{0, "    1"}, {23, label}, {23 + label.size() + 1, "NOP"}}));
+}
+
 TEST_F(ListFileTest, LineLimitCarriesTheCommentIntoFollowingRows) {
   as.ListLineLimit = 40, as.LabelFieldWidth = 2, as.OpcodeFieldWidth = 3, as.OperandFieldWidth = 4;
   as.LineNumber = 1, as.CodeLength = 1;
