@@ -66,6 +66,17 @@ static_assert(std::size(kPercentFunctionRows) == 9);
 
 constexpr std::string_view KeywordOf(const KeywordRow& row) { return row.keyword; }
 
+// The statement reader looks for the defining words before the conditional
+// ones, which is the same only while no word stands in both.
+template <size_t N, size_t M>
+constexpr bool Disjoint(const KeywordRow (&a)[N], const KeywordRow (&b)[M]) {
+  for (const KeywordRow& x : a)
+    for (const KeywordRow& y : b)
+      if (x.keyword == y.keyword) return false;
+  return true;
+}
+static_assert(Disjoint(kDefiningRows, kIfRows) && Disjoint(kDefiningRows, kEndRows));
+
 template <size_t N>
 using IndexFor = KeywordIndex<KeywordSlots(N)>;
 

@@ -19,6 +19,14 @@ constexpr OptionRow kOptionKeywords[] = {
     {"LISTF", 27},  {"DEBUG", 36},  {"NODEBUG", 37},
 };
 static_assert(sizeof kOptionKeywords / sizeof kOptionKeywords[0] == 39);
+// A statement's opcode word is tried as EQU, SET or MACRO before it is tried
+// as an option keyword, which is the same only while none is both.
+static_assert([] {
+  for (const OptionRow& row : kOptionKeywords)
+    for (std::string_view defining : {"MACR", "MACRO", ".MACRO", "EQU", ".EQU", "SET"})
+      if (row.keyword == defining) return false;
+  return true;
+}());
 
 constexpr std::string_view OptionKeywordOf(const OptionRow& row) { return row.keyword; }
 constexpr KeywordIndex<KeywordSlots(std::size(kOptionKeywords))> kOptionIndex(kOptionKeywords, OptionKeywordOf);

@@ -346,11 +346,13 @@ int DispatchLateKeywords(Assembler& as, std::string_view word, uint32_t hash) {
     if (word[0] == '%')
       if (const KeywordRow* row = FindKeyword(kPercentKeywords, word, hash)) return PercentKeyword(as, row->code);
   }
+  // EQU and SET are the common ones here; no other of these tables holds
+  // their words, so they are looked for first.
+  if (const KeywordRow* row = FindKeyword(kDefiningKeywords, word, hash)) return row->code;
   if (const KeywordRow* row = FindKeyword(kIfKeywords, word, hash)) return ProcessConditional(as, row->code);
   if (const KeywordRow* row = FindKeyword(kEndKeywords, word, hash)) return ProcessConditionalEnd(as, row->code);
   int option = FindOption(word, hash);
   if (option != kNoOption) return ProcessOption(as, option);
-  if (const KeywordRow* row = FindKeyword(kDefiningKeywords, word, hash)) return row->code;
   return -1;
 }
 
