@@ -1,10 +1,18 @@
 #include "platform/input_file.h"
 
+#include <algorithm>
+
 namespace ta51 {
 
 namespace {
 constexpr size_t kBufferSize = 1 << 16;
+
+// Index of the first `byte` at or behind `from` in the filled buffer, or `filled`.
+size_t FindByte(const std::vector<char>& buffer, size_t from, size_t filled, char byte) {
+  const void* found = std::memchr(buffer.data() + from, byte, filled - from);
+  return found == nullptr ? filled : static_cast<size_t>(static_cast<const char*>(found) - buffer.data());
 }
+}  // namespace
 
 InputFile::InputFile(FILE* file) : file_(file), buffer_(kBufferSize) {}
 
@@ -19,12 +27,29 @@ std::unique_ptr<InputFile> InputFile::Open(const std::string& path) {
 bool InputFile::Refill() {
   filled_ = std::fread(buffer_.data(), 1, buffer_.size(), file_);
   position_ = 0;
+  nextReturn_ = FindByte(buffer_, 0, filled_, '\r');
+  nextNul_ = FindByte(buffer_, 0, filled_, '\0');
+  plainEnd_ = std::min(nextReturn_, nextNul_);
   return filled_ != 0;
+}
+
+void InputFile::PushBack(int c) {
+  pushedBack_ = c;
+  plainEnd_ = 0;
+}
+
+bool InputFile::FindPlainEnd() {
+  if (pushedBack_ != kNone) return false;
+  if (nextReturn_ < position_) nextReturn_ = FindByte(buffer_, position_, filled_, '\r');
+  if (nextNul_ < position_) nextNul_ = FindByte(buffer_, position_, filled_, '\0');
+  plainEnd_ = std::min(nextReturn_, nextNul_);
+  return plainEnd_ > position_;
 }
 
 void InputFile::Rewind() {
   std::rewind(file_);
   position_ = filled_ = 0;
+  nextReturn_ = nextNul_ = plainEnd_ = 0;
   pushedBack_ = kNone;
 }
 

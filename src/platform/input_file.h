@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ta51 {
@@ -36,7 +37,7 @@ class InputFile {
     if (position_ > 0 && static_cast<unsigned char>(buffer_[position_ - 1]) == c)
       --position_;
     else
-      pushedBack_ = c;
+      PushBack(c);
   }
   // Appends the buffered bytes before the next carriage return, line feed or
   // NUL to `text`, so that a line costs a scan rather than a call per byte;
@@ -51,22 +52,31 @@ class InputFile {
     position_ += static_cast<size_t>(stop - begin);
     return static_cast<size_t>(stop - begin);
   }
-  // Takes a whole line with its line feed into `text` when it is a simple
+  // The line at the read position with its line feed, when it is a simple
   // one: ended by a lone line feed inside the buffer, with no carriage
-  // return, NUL or continuation backslash. False leaves everything as it was,
-  // for the byte-wise reader.
-  bool TakeSimpleLine(std::string& text) {
-    if (pushedBack_ != kNone) return false;
-    if (position_ == filled_ && !Refill()) return false;
+  // return, NUL or continuation backslash. Empty otherwise, for the
+  // byte-wise reader; nothing is consumed either way (see Skip).
+  // At the end of the buffer the view is empty too: TakeSimpleLine refills.
+  std::string_view PeekSimpleLine() {
+    if (plainEnd_ <= position_ && !FindPlainEnd()) return {};
     const char* begin = buffer_.data() + position_;
-    const char* end = buffer_.data() + filled_;
-    const char* newLine = static_cast<const char*>(std::memchr(begin, '\n', static_cast<size_t>(end - begin)));
-    if (newLine == nullptr || newLine + 1 == end || newLine[1] == '\r') return false;
-    if (newLine != begin && newLine[-1] == '\\') return false;
-    for (const char* at = begin; at != newLine; ++at)
-      if (static_cast<unsigned char>(*at) <= '\r' && (*at == '\r' || *at == '\0')) return false;
-    text.assign(begin, newLine + 1);
-    position_ += static_cast<size_t>(newLine + 1 - begin);
+    const char* plainEnd = buffer_.data() + plainEnd_;
+    const char* newLine = static_cast<const char*>(std::memchr(begin, '\n', plainEnd_ - position_));
+    // A line feed right before the block end or a special byte may be part
+    // of a longer break: the byte-wise reader decides.
+    if (newLine == nullptr || newLine + 1 == plainEnd) return {};
+    if (newLine != begin && newLine[-1] == '\\') return {};
+    return {begin, static_cast<size_t>(newLine + 1 - begin)};
+  }
+  // Consumes `count` bytes of a line that PeekSimpleLine returned.
+  void Skip(size_t count) { position_ += count; }
+  // PeekSimpleLine and Skip with the line copied into `text`.
+  bool TakeSimpleLine(std::string& text) {
+    if (pushedBack_ == kNone && position_ == filled_ && !Refill()) return false;
+    std::string_view line = PeekSimpleLine();
+    if (line.empty()) return false;
+    text.assign(line.data(), line.size());
+    Skip(line.size());
     return true;
   }
   void Rewind();
@@ -75,12 +85,25 @@ class InputFile {
   static constexpr int kNone = -2;
   explicit InputFile(FILE* file);
   bool Refill();
+  // Brings the positions of the next carriage return and NUL up to the read
+  // position; false when no plain byte follows it or a byte is pushed back.
+  bool FindPlainEnd();
+  void PushBack(int c);
 
   FILE* file_;
   std::vector<char> buffer_;
   size_t position_ = 0;
   size_t filled_ = 0;
   int pushedBack_ = kNone;
+  // Where the next carriage return and the next NUL at or behind the read
+  // position stand in the buffer (filled_ when there is none), and the
+  // nearer of the two: the bytes before it need no test per byte. Each is
+  // searched for once per stretch of buffer, not once per line. plainEnd_
+  // stays 0 while a byte is pushed back, so that one test in PeekSimpleLine
+  // covers that case, the end of the buffer and a stale position.
+  size_t nextReturn_ = 0;
+  size_t nextNul_ = 0;
+  size_t plainEnd_ = 0;
 };
 
 }  // namespace ta51

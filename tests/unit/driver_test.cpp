@@ -242,5 +242,26 @@ TEST_F(Driver, BadInputEndsCleanly) {
   EXPECT_FALSE(Exists("self.OBJ") || Exists("nul.OBJ") || Exists("huge.OBJ") || Exists("phase.OBJ"));
 }
 
+// The reader takes simple lines straight from its 64 KiB read block and
+// leaves breaks with a carriage return and NUL bytes to the byte-wise path.
+// 8192 comment lines of eight bytes fill the first block exactly.
+TEST_F(Driver, BreaksAndNulBytesAcrossReadBlocks) {
+  std::string filler;
+  for (int i = 0; i < 8192; ++i) filler += ";filler\n";
+  std::string hundred;
+  for (int i = 0; i < 100; ++i) hundred += ";  more\n";
+  // The line feed that ends the block and the carriage return that starts
+  // the next are one break; a lone carriage return later in the block ends
+  // a line of its own, twice, behind stretches of simple lines.
+  RunResult breaks = Assemble("b.asm", filler + "\r FOO\n" + hundred + ";a\r BAR\n" + hundred + ";b\r ZAP\n NOP\n");
+  EXPECT_NE(breaks.out.find("b.asm(8193): Error: Bad opcode\n F^OO\n"), std::string::npos) << breaks.out;
+  EXPECT_NE(breaks.out.find("b.asm(8295): Error: Bad opcode\n B^AR\n"), std::string::npos);
+  EXPECT_NE(breaks.out.find("b.asm(8397): Error: Bad opcode\n Z^AP\n"), std::string::npos);
+  // A NUL behind a carriage return break in the second block still stops the run.
+  RunResult nul = Assemble("n.asm", filler + hundred + ";c\r\n" + hundred + std::string(" NOP\0\n", 6) + " NOP\n");
+  EXPECT_EQ(nul.status, 1);
+  EXPECT_NE(nul.out.find("Input file error"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace ta51::testing
