@@ -72,7 +72,7 @@ template <size_t N, size_t M>
 constexpr bool Disjoint(const KeywordRow (&a)[N], const KeywordRow (&b)[M]) {
   for (const KeywordRow& x : a)
     for (const KeywordRow& y : b)
-      if (x.keyword == y.keyword) return false;
+      if (KeywordOf(x) == KeywordOf(y)) return false;
   return true;
 }
 static_assert(Disjoint(kDefiningRows, kIfRows) && Disjoint(kDefiningRows, kEndRows));
