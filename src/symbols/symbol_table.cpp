@@ -47,7 +47,7 @@ SymbolTable::SymbolTable() { Clear(); }
 void SymbolTable::Clear() {
   entryChunks_.clear();
   count_ = 0;
-  buckets_.assign(1024, 0);
+  slots_.assign(1024, Slot{0, 0});
   arena_.clear();
   arenaUsed_ = kArenaBlock;
   extras_.clear();
@@ -73,21 +73,25 @@ int SymbolTable::ChainIndexOf(std::string_view name, bool noCase) {
 }
 
 // The hash ignores case, so that one index serves both NOCASE settings.
-uint32_t SymbolTable::Bucket(std::string_view name, uint32_t scope) const {
+uint32_t SymbolTable::Hash(std::string_view name, uint32_t scope) {
   uint32_t hash = 2166136261u ^ (scope * 0x9E3779B9u);
   for (char c : name) hash = (hash ^ Fold(static_cast<unsigned char>(c))) * 16777619u;
-  return hash & static_cast<uint32_t>(buckets_.size() - 1);
+  return hash;
 }
 
-// Twice the buckets; each bucket keeps its entries in the order of entry.
+// Entries of equal hash lie along one probe sequence in the order they were
+// placed; placing them in the order of entry keeps equal names in that order.
+void SymbolTable::PlaceInIndex(uint32_t hash, uint32_t index) {
+  uint32_t mask = static_cast<uint32_t>(slots_.size() - 1);
+  uint32_t slot = hash & mask;
+  while (slots_[slot].entry != 0) slot = (slot + 1) & mask;
+  slots_[slot] = Slot{hash, index + 1};
+}
+
+// Twice the slots, refilled in the order of entry.
 void SymbolTable::Grow() {
-  buckets_.assign(buckets_.size() * 2, 0);
-  for (uint32_t index = count_; index-- > 0;) {
-    SymbolEntry& entry = At(index);
-    uint32_t& head = buckets_[Bucket(entry.name, entry.scope)];
-    entry.nextInBucket = head;
-    head = index + 1;
-  }
+  slots_.assign(slots_.size() * 2, Slot{0, 0});
+  for (uint32_t index = 0; index < count_; ++index) PlaceInIndex(At(index).hash, index);
 }
 
 std::string_view SymbolTable::StoreName(std::string_view name) {
@@ -110,10 +114,12 @@ SymbolEntry* SymbolTable::Find(std::string_view name, bool noCase, bool predefin
   }
   int chain = ChainIndexOf(name, noCase);
   uint32_t scope = chain == kFileScopeChain ? fileScope_ : 0;
+  uint32_t hash = Hash(name, scope);
+  uint32_t mask = static_cast<uint32_t>(slots_.size() - 1);
   SymbolEntry* best = nullptr;
-  for (uint32_t next = buckets_[Bucket(name, scope)]; next != 0;) {
-    SymbolEntry& entry = At(next - 1);
-    next = entry.nextInBucket;
+  for (uint32_t slot = hash & mask; slots_[slot].entry != 0; slot = (slot + 1) & mask) {
+    if (slots_[slot].hash != hash) continue;
+    SymbolEntry& entry = At(slots_[slot].entry - 1);
     if (entry.chain != chain || entry.scope != scope) continue;
     if (!predefinedEnabled && (entry.flags & kSymPredefined)) continue;
     if (!noCase) {
@@ -130,7 +136,7 @@ SymbolEntry* SymbolTable::Find(std::string_view name, bool noCase, bool predefin
 
 SymbolEntry* SymbolTable::Insert(const SymbolEntry& entry, bool noCase) {
   if (noCase != foldCase_) foldCase_ = noCase;
-  if (count_ >= buckets_.size()) Grow();
+  if ((count_ + 1) * 4 > slots_.size() * 3) Grow();
   uint32_t index = count_;
   if ((index & (kChunkSize - 1)) == 0) entryChunks_.push_back(std::make_unique<SymbolEntry[]>(kChunkSize));
   SymbolEntry& stored = At(index);
@@ -138,11 +144,9 @@ SymbolEntry* SymbolTable::Insert(const SymbolEntry& entry, bool noCase) {
   stored.name = StoreName(entry.name);
   stored.chain = static_cast<uint8_t>(ChainIndexOf(stored.name, noCase));
   stored.scope = stored.chain == kFileScopeChain ? fileScope_ : 0;
-  stored.nextInBucket = 0;
+  stored.hash = Hash(stored.name, stored.scope);
   ++count_;
-  uint32_t* link = &buckets_[Bucket(stored.name, stored.scope)];
-  while (*link != 0) link = &At(*link - 1).nextInBucket;
-  *link = index + 1;
+  PlaceInIndex(stored.hash, index);
   if (stored.name.size() + 1 > longestName_) longestName_ = stored.name.size() + 1;
   orderValid_ = false;
   return &stored;

@@ -63,7 +63,7 @@ struct SymbolEntry {
   int32_t value = 0;
   uint32_t itemCount = 0;
   uint32_t itemSize = 0;
-  uint32_t nextInBucket = 0;  // index of the next entry of the hash bucket
+  uint32_t hash = 0;          // of the name and scope, kept so that the index grows without reading names
   uint32_t scope = 0;         // file scope of a `.@` name, else 0
   int8_t type = 0;
   int8_t relocation = REL_NULL;
@@ -154,7 +154,14 @@ class SymbolTable {
   }
   SymbolEntry& At(uint32_t index) { return entryChunks_[index >> kChunkShift][index & (kChunkSize - 1)]; }
   const SymbolEntry& At(uint32_t index) const { return entryChunks_[index >> kChunkShift][index & (kChunkSize - 1)]; }
-  uint32_t Bucket(std::string_view name, uint32_t scope) const;
+  // One slot of the index: the entry's hash beside its number, so that a
+  // probe reads no entry whose hash differs.
+  struct Slot {
+    uint32_t hash;
+    uint32_t entry;  // index + 1, 0 for an empty slot
+  };
+  static uint32_t Hash(std::string_view name, uint32_t scope);
+  void PlaceInIndex(uint32_t hash, uint32_t index);
   void Grow();
   std::string_view StoreName(std::string_view name);
   const std::vector<uint32_t>& ObservableOrder();
@@ -162,7 +169,7 @@ class SymbolTable {
 
   std::vector<std::unique_ptr<SymbolEntry[]>> entryChunks_;
   uint32_t count_ = 0;
-  std::vector<uint32_t> buckets_;  // first entry + 1, 0 for none
+  std::vector<Slot> slots_;  // open addressing, linear probes, at most 3/4 full
   std::vector<std::unique_ptr<char[]>> arena_;
   size_t arenaUsed_ = kArenaBlock;
   std::deque<SymbolExtra> extras_;
