@@ -117,6 +117,29 @@ TEST_F(SymbolTableTest, HiddenPredefinedNamesStayInTheirChain) {
   EXPECT_EQ(Order(), (std::vector<std::string>{"P1", "P1"}));
 }
 
+// The index grows several times past its first size; a name entered twice
+// must still be found in the order of entry, and every name at all.
+TEST_F(SymbolTableTest, NamesAreFoundAfterTheIndexGrows) {
+  SymbolDefinition predefined;
+  predefined.type = T_DATA;
+  predefined.value = 0x90;
+  predefined.predefined = true;
+  predefined.checkReserved = false;
+  DefineSymbol(as, "P1\n", predefined);
+  as.opt.PredefinedSymbolsEnabled.bits = 0;
+  EXPECT_EQ(Define("P1", T_CODE, 5), "");
+  for (int index = 0; index < 5000; ++index) ASSERT_EQ(Define("N" + std::to_string(index), T_NUMBER, index), "");
+  for (int index = 0; index < 5000; ++index) {
+    SymbolEntry* entry = Find("N" + std::to_string(index));
+    ASSERT_NE(entry, nullptr) << index;
+    EXPECT_EQ(entry->value, index);
+  }
+  EXPECT_EQ(Find("P1")->value, 5);
+  as.opt.PredefinedSymbolsEnabled.bits = 1;
+  EXPECT_EQ(Find("P1")->value, 0x90);
+  EXPECT_EQ(Find("N5000"), nullptr);
+}
+
 TEST_F(SymbolTableTest, CaseFolding) {
   EXPECT_EQ(Define("lower", T_CODE, 1), "");
   as.opt.NOCASE.bits = 1;
