@@ -44,6 +44,15 @@ class SymbolTableTest : public ::testing::Test {
     return listed.substr(text + 7, listed.find('\n', text) - text - 7);
   }
   SymbolEntry* Find(const std::string& name) { return FindSymbol(as, name); }
+  // P1 as the predefined SFR name enters it: DATA 90H.
+  void DefinePredefinedP1() {
+    SymbolDefinition predefined;
+    predefined.type = T_DATA;
+    predefined.value = 0x90;
+    predefined.predefined = true;
+    predefined.checkReserved = false;
+    DefineSymbol(as, "P1\n", predefined);
+  }
   std::vector<std::string> Order() {
     std::vector<std::string> names;
     as.Symbols.ForEach([&](const SymbolEntry& entry) { names.emplace_back(entry.name); });
@@ -101,12 +110,7 @@ TEST_F(SymbolTableTest, ReservedNamesAndNameLength) {
 }
 
 TEST_F(SymbolTableTest, HiddenPredefinedNamesStayInTheirChain) {
-  SymbolDefinition predefined;
-  predefined.type = T_DATA;
-  predefined.value = 0x90;
-  predefined.predefined = true;
-  predefined.checkReserved = false;
-  DefineSymbol(as, "P1\n", predefined);
+  DefinePredefinedP1();
   EXPECT_EQ(Define("P1", T_CODE, 5), "Duplicate label");
   as.opt.PredefinedSymbolsEnabled.bits = 0;
   EXPECT_EQ(Find("P1"), nullptr);
@@ -120,12 +124,7 @@ TEST_F(SymbolTableTest, HiddenPredefinedNamesStayInTheirChain) {
 // The index grows several times past its first size; a name entered twice
 // must still be found in the order of entry, and every name at all.
 TEST_F(SymbolTableTest, NamesAreFoundAfterTheIndexGrows) {
-  SymbolDefinition predefined;
-  predefined.type = T_DATA;
-  predefined.value = 0x90;
-  predefined.predefined = true;
-  predefined.checkReserved = false;
-  DefineSymbol(as, "P1\n", predefined);
+  DefinePredefinedP1();
   as.opt.PredefinedSymbolsEnabled.bits = 0;
   EXPECT_EQ(Define("P1", T_CODE, 5), "");
   for (int index = 0; index < 5000; ++index) ASSERT_EQ(Define("N" + std::to_string(index), T_NUMBER, index), "");
