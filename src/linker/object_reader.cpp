@@ -1,11 +1,10 @@
 // The reader of object modules and libraries: records in, modules out.
-#include <fstream>
-#include <sstream>
 
 #include "symbols/expression_text.h"
 
 #include "linker/linker.h"
 #include "linker/record_cursor.h"
+#include "platform/platform.h"
 
 namespace ta51::linker {
 
@@ -422,13 +421,11 @@ class FileReader {
 }  // namespace
 
 bool ReadInputFile(Linker& linker, const std::string& path, bool library) {
-  std::ifstream stream(path, std::ios::binary);
-  if (!stream) return false;
-  std::ostringstream text;
-  text << stream.rdbuf();
+  std::string text;
+  if (!ReadWholeFile(path, text)) return false;
   InputText& file = linker.files.emplace_back();
   file.path = path;
-  file.text = std::move(text).str();
+  file.text = std::move(text);
   file.library = library;
   FileReader(linker, static_cast<int>(linker.files.size() - 1)).ReadAll();
   return true;

@@ -1,11 +1,15 @@
 #include "platform/platform.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
+#include <string_view>
+#include <vector>
 
 namespace ta51 {
 
@@ -35,16 +39,84 @@ std::string WithoutExtension(const std::string& path) {
   return parts.drive + parts.directory + parts.name;
 }
 
+namespace {
+
+// The path with "." and "name/.." steps and doubled separators removed, by
+// the rules of std::filesystem's lexically_normal. The file system library
+// is not used itself: it brings the C++ locale machinery into the program,
+// which doubled its size and cost every run time to start.
+std::string NormalPath(std::string_view path) {
+  // A root alone keeps all its separators.
+  if (path.find_first_not_of('/') == std::string_view::npos) return std::string(path);
+  const bool rooted = !path.empty() && path.front() == '/';
+  std::vector<std::string_view> names;
+  bool trailingSeparator = false;
+  size_t at = 0;
+  while (at < path.size()) {
+    while (at < path.size() && path[at] == '/') ++at;
+    const size_t end = std::min(path.find('/', at), path.size());
+    const std::string_view name = path.substr(at, end - at);
+    at = end;
+    if (name.empty() || name == ".") {
+      // A trailing separator or a "." leaves a separator after the last name.
+      if (!names.empty()) trailingSeparator = true;
+    } else if (name == "..") {
+      if (!names.empty() && names.back() != "..") {
+        names.pop_back();
+        trailingSeparator = true;
+      } else if (names.empty() && rooted) {
+        // ".." of the root is the root.
+      } else {
+        names.push_back(name);
+        trailingSeparator = false;
+      }
+    } else {
+      names.push_back(name);
+      trailingSeparator = false;
+    }
+  }
+  if (!names.empty() && names.back() == "..") trailingSeparator = false;
+  if (names.empty()) return rooted ? "/" : ".";
+  std::string normal = rooted ? "/" : "";
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (i != 0) normal += '/';
+    normal += names[i];
+  }
+  if (trailingSeparator) normal += '/';
+  return normal;
+}
+
+}  // namespace
+
 std::string FullPath(const std::string& path) {
-  std::error_code error;
-  std::filesystem::path absolute = std::filesystem::absolute(path, error);
-  if (error) return path;
-  return absolute.lexically_normal().string();
+  if (path.empty()) return path;
+  if (path.front() == '/') return NormalPath(path);
+  std::vector<char> directory(4096);
+  while (getcwd(directory.data(), directory.size()) == nullptr) {
+    if (errno != ERANGE || directory.size() >= (1u << 20)) return path;
+    directory.resize(directory.size() * 2);
+  }
+  std::string absolute = directory.data();
+  absolute += '/';
+  absolute += path;
+  return NormalPath(absolute);
 }
 
 bool FileExists(const std::string& path) {
-  std::error_code error;
-  return std::filesystem::is_regular_file(path, error);
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool ReadWholeFile(const std::string& path, std::string& text) {
+  FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) return false;
+  text.clear();
+  char block[1 << 16];
+  size_t got;
+  while ((got = std::fread(block, 1, sizeof block, file)) != 0) text.append(block, got);
+  const bool failed = std::ferror(file) != 0;
+  std::fclose(file);
+  return !failed;
 }
 
 const char* GetEnvironment(const char* name) { return std::getenv(name); }

@@ -39,6 +39,8 @@ std::string WithoutExtension(const std::string& path);
 // The absolute form of a path; the path itself if that cannot be made.
 std::string FullPath(const std::string& path);
 bool FileExists(const std::string& path);
+// The whole of a file in `text`; false if it cannot be opened or read.
+bool ReadWholeFile(const std::string& path, std::string& text);
 // An environment variable, or nullptr.
 const char* GetEnvironment(const char* name);
 // Makes a unique file "zvtmpXXXXXX" in the current directory and opens it
