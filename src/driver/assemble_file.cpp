@@ -2,7 +2,7 @@
 // object file put together from its head and the body of the second pass.
 #include <cctype>
 #include <cstdio>
-#include <vector>
+#include <memory>
 
 #include "directives/banks.h"
 #include "directives/segments.h"
@@ -136,13 +136,13 @@ void AppendFile(Assembler& as, const std::string& objectName, const std::string&
   // Large blocks and no stream buffers: one system call per block each way.
   std::setvbuf(object, nullptr, _IONBF, 0);
   std::setvbuf(body, nullptr, _IONBF, 0);
-  std::vector<char> block(kStreamBufferSize);
+  auto block = std::make_unique_for_overwrite<char[]>(kStreamBufferSize);
   size_t got;
   bool failed = false;
   do {
-    got = std::fread(block.data(), 1, block.size(), body);
-    if (std::fwrite(block.data(), 1, got, object) != got) failed = true;
-  } while (got == block.size());
+    got = std::fread(block.get(), 1, kStreamBufferSize, body);
+    if (std::fwrite(block.get(), 1, got, object) != got) failed = true;
+  } while (got == kStreamBufferSize);
   if (std::fclose(object) != 0) failed = true;
   std::fclose(body);
   if (failed) ReportError(as, 25, false);

@@ -8,13 +8,13 @@ namespace {
 constexpr size_t kBufferSize = 1 << 16;
 
 // Index of the first `byte` at or behind `from` in the filled buffer, or `filled`.
-size_t FindByte(const std::vector<char>& buffer, size_t from, size_t filled, char byte) {
-  const void* found = std::memchr(buffer.data() + from, byte, filled - from);
-  return found == nullptr ? filled : static_cast<size_t>(static_cast<const char*>(found) - buffer.data());
+size_t FindByte(const char* buffer, size_t from, size_t filled, char byte) {
+  const void* found = std::memchr(buffer + from, byte, filled - from);
+  return found == nullptr ? filled : static_cast<size_t>(static_cast<const char*>(found) - buffer);
 }
 }  // namespace
 
-InputFile::InputFile(FILE* file) : file_(file), buffer_(kBufferSize) {}
+InputFile::InputFile(FILE* file) : file_(file), buffer_(std::make_unique_for_overwrite<char[]>(kBufferSize)) {}
 
 InputFile::~InputFile() { std::fclose(file_); }
 
@@ -25,10 +25,10 @@ std::unique_ptr<InputFile> InputFile::Open(const std::string& path) {
 }
 
 bool InputFile::Refill() {
-  filled_ = std::fread(buffer_.data(), 1, buffer_.size(), file_);
+  filled_ = std::fread(buffer_.get(), 1, kBufferSize, file_);
   position_ = 0;
-  nextReturn_ = FindByte(buffer_, 0, filled_, '\r');
-  nextNul_ = FindByte(buffer_, 0, filled_, '\0');
+  nextReturn_ = FindByte(buffer_.get(), 0, filled_, '\r');
+  nextNul_ = FindByte(buffer_.get(), 0, filled_, '\0');
   plainEnd_ = std::min(nextReturn_, nextNul_);
   return filled_ != 0;
 }
@@ -40,8 +40,8 @@ void InputFile::PushBack(int c) {
 
 bool InputFile::FindPlainEnd() {
   if (pushedBack_ != kNone) return false;
-  if (nextReturn_ < position_) nextReturn_ = FindByte(buffer_, position_, filled_, '\r');
-  if (nextNul_ < position_) nextNul_ = FindByte(buffer_, position_, filled_, '\0');
+  if (nextReturn_ < position_) nextReturn_ = FindByte(buffer_.get(), position_, filled_, '\r');
+  if (nextNul_ < position_) nextNul_ = FindByte(buffer_.get(), position_, filled_, '\0');
   plainEnd_ = std::min(nextReturn_, nextNul_);
   return plainEnd_ > position_;
 }

@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace ta51 {
 
@@ -44,8 +43,8 @@ class InputFile {
   // returns how many were taken (0 at a special byte or an empty buffer).
   size_t AppendPlainRun(std::string& text) {
     if (pushedBack_ != kNone) return 0;
-    const char* begin = buffer_.data() + position_;
-    const char* end = buffer_.data() + filled_;
+    const char* begin = buffer_.get() + position_;
+    const char* end = buffer_.get() + filled_;
     const char* stop = begin;
     while (stop != end && *stop != '\n' && *stop != '\r' && *stop != '\0') ++stop;
     text.append(begin, stop);
@@ -59,8 +58,8 @@ class InputFile {
   // At the end of the buffer the view is empty too: TakeSimpleLine refills.
   std::string_view PeekSimpleLine() {
     if (plainEnd_ <= position_ && !FindPlainEnd()) return {};
-    const char* begin = buffer_.data() + position_;
-    const char* plainEnd = buffer_.data() + plainEnd_;
+    const char* begin = buffer_.get() + position_;
+    const char* plainEnd = buffer_.get() + plainEnd_;
     const char* newLine = static_cast<const char*>(std::memchr(begin, '\n', plainEnd_ - position_));
     // A line feed right before the block end or a special byte may be part
     // of a longer break: the byte-wise reader decides.
@@ -91,7 +90,8 @@ class InputFile {
   void PushBack(int c);
 
   FILE* file_;
-  std::vector<char> buffer_;
+  // Not cleared when made: every byte read is first written by a refill.
+  std::unique_ptr<char[]> buffer_;
   size_t position_ = 0;
   size_t filled_ = 0;
   int pushedBack_ = kNone;
