@@ -3,10 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <new>
+#include <type_traits>
 
 namespace ta51 {
 
 namespace {
+
+// The arena gives its memory back without running destructors.
+static_assert(std::is_trivially_destructible_v<SymbolEntry>);
 
 // Upper case of every byte, a table so that the hash of a name takes one
 // look per character and no branch.
@@ -44,12 +49,16 @@ int CompareNames(std::string_view a, std::string_view b, bool foldCase) {
 
 SymbolTable::SymbolTable() { Clear(); }
 
+SymbolTable::~SymbolTable() { ReleaseSlots(); }
+
 void SymbolTable::Clear() {
+  ReleaseSlots();
   entryChunks_.clear();
+  arena_.Release();
   count_ = 0;
-  slots_.assign(1024, Slot{0, 0});
-  arena_.clear();
-  arenaUsed_ = kArenaBlock;
+  MakeSlots(1024);
+  names_.clear();
+  namesUsed_ = kArenaBlock;
   extras_.clear();
   order_.clear();
   orderValid_ = false;
@@ -79,10 +88,28 @@ uint32_t SymbolTable::Hash(std::string_view name, uint32_t scope) {
   return hash;
 }
 
+// Memory fresh from the system is zero: every slot starts empty.
+void SymbolTable::MakeSlots(size_t count) {
+  ReleaseSlots();
+  if (count <= kLargestArenaSlots) {
+    slots_ = static_cast<Slot*>(arena_.Take(count * sizeof(Slot)));
+  } else {
+    slots_ = static_cast<Slot*>(TakeLargeBlock(count * sizeof(Slot), slotsMapped_));
+  }
+  slotCount_ = count;
+}
+
+void SymbolTable::ReleaseSlots() {
+  if (slotsMapped_ != 0) ReleaseLargeBlock(slots_, slotsMapped_);
+  slotsMapped_ = 0;
+  slots_ = nullptr;
+  slotCount_ = 0;
+}
+
 // Entries of equal hash lie along one probe sequence in the order they were
 // placed; placing them in the order of entry keeps equal names in that order.
 void SymbolTable::PlaceInIndex(uint32_t hash, uint32_t index) {
-  uint32_t mask = static_cast<uint32_t>(slots_.size() - 1);
+  uint32_t mask = static_cast<uint32_t>(slotCount_ - 1);
   uint32_t slot = hash & mask;
   while (slots_[slot].entry != 0) slot = (slot + 1) & mask;
   slots_[slot] = Slot{hash, index + 1};
@@ -90,20 +117,20 @@ void SymbolTable::PlaceInIndex(uint32_t hash, uint32_t index) {
 
 // Twice the slots, refilled in the order of entry.
 void SymbolTable::Grow() {
-  slots_.assign(slots_.size() * 2, Slot{0, 0});
+  MakeSlots(slotCount_ * 2);
   for (uint32_t index = 0; index < count_; ++index) PlaceInIndex(At(index).hash, index);
 }
 
 std::string_view SymbolTable::StoreName(std::string_view name) {
   size_t needed = name.size() + 1;
-  if (arenaUsed_ + needed > kArenaBlock) {
-    arena_.push_back(std::make_unique_for_overwrite<char[]>(std::max(kArenaBlock, needed)));
-    arenaUsed_ = 0;
+  if (namesUsed_ + needed > kArenaBlock) {
+    names_.push_back(std::make_unique_for_overwrite<char[]>(std::max(kArenaBlock, needed)));
+    namesUsed_ = 0;
   }
-  char* stored = arena_.back().get() + arenaUsed_;
+  char* stored = names_.back().get() + namesUsed_;
   std::memcpy(stored, name.data(), name.size());
   stored[name.size()] = '\0';
-  arenaUsed_ += needed;
+  namesUsed_ += needed;
   return {stored, name.size()};
 }
 
@@ -115,7 +142,7 @@ SymbolEntry* SymbolTable::Find(std::string_view name, bool noCase, bool predefin
   int chain = ChainIndexOf(name, noCase);
   uint32_t scope = chain == kFileScopeChain ? fileScope_ : 0;
   uint32_t hash = Hash(name, scope);
-  uint32_t mask = static_cast<uint32_t>(slots_.size() - 1);
+  uint32_t mask = static_cast<uint32_t>(slotCount_ - 1);
   SymbolEntry* best = nullptr;
   for (uint32_t slot = hash & mask; slots_[slot].entry != 0; slot = (slot + 1) & mask) {
     if (slots_[slot].hash != hash) continue;
@@ -136,11 +163,11 @@ SymbolEntry* SymbolTable::Find(std::string_view name, bool noCase, bool predefin
 
 SymbolEntry* SymbolTable::Insert(const SymbolEntry& entry, bool noCase) {
   if (noCase != foldCase_) foldCase_ = noCase;
-  if ((count_ + 1) * 4 > slots_.size() * 3) Grow();
+  if ((count_ + 1) * 4 > slotCount_ * 3) Grow();
   uint32_t index = count_;
-  if ((index & (kChunkSize - 1)) == 0) entryChunks_.push_back(std::make_unique<SymbolEntry[]>(kChunkSize));
-  SymbolEntry& stored = At(index);
-  stored = entry;
+  if ((index & (kChunkSize - 1)) == 0)
+    entryChunks_.push_back(static_cast<SymbolEntry*>(arena_.Take(kChunkSize * sizeof(SymbolEntry))));
+  SymbolEntry& stored = *new (&At(index)) SymbolEntry(entry);
   stored.name = StoreName(entry.name);
   stored.chain = static_cast<uint8_t>(ChainIndexOf(stored.name, noCase));
   stored.scope = stored.chain == kFileScopeChain ? fileScope_ : 0;

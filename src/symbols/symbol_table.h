@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/large_blocks.h"
+
 namespace ta51 {
 
 struct SegmentEntry;
@@ -89,6 +91,9 @@ class SymbolTable {
   static constexpr ScopeId kNoScope = UINT32_MAX;
 
   SymbolTable();
+  ~SymbolTable();
+  SymbolTable(const SymbolTable&) = delete;
+  SymbolTable& operator=(const SymbolTable&) = delete;
   void Clear();
 
   static int ChainIndexOf(std::string_view name, bool noCase);
@@ -138,8 +143,11 @@ class SymbolTable {
   size_t Size() const { return count_; }
 
  private:
-  static constexpr uint32_t kChunkShift = 9;  // small chunks: a chunk is touched whole when made
+  static constexpr uint32_t kChunkShift = 9;
   static constexpr uint32_t kChunkSize = 1u << kChunkShift;
+  // Index tables up to this size come from the arena; a larger one has a
+  // block of its own, given back when the index grows.
+  static constexpr size_t kLargestArenaSlots = size_t{1} << 17;
   static constexpr size_t kArenaBlock = 64 * 1024;
 
   template <class Keep, class Visit>
@@ -163,15 +171,22 @@ class SymbolTable {
   static uint32_t Hash(std::string_view name, uint32_t scope);
   void PlaceInIndex(uint32_t hash, uint32_t index);
   void Grow();
+  void MakeSlots(size_t count);
+  void ReleaseSlots();
   std::string_view StoreName(std::string_view name);
   const std::vector<uint32_t>& ObservableOrder();
   void SortObservable(std::vector<uint32_t>& indexes) const;
 
-  std::vector<std::unique_ptr<SymbolEntry[]>> entryChunks_;
+  // Entries and index are read at random on every look-up: they live in
+  // large blocks, where the system may back them with huge pages.
+  LargeBlockArena arena_;
+  std::vector<SymbolEntry*> entryChunks_;  // made in the arena as entries arrive
   uint32_t count_ = 0;
-  std::vector<Slot> slots_;  // open addressing, linear probes, at most 3/4 full
-  std::vector<std::unique_ptr<char[]>> arena_;
-  size_t arenaUsed_ = kArenaBlock;
+  Slot* slots_ = nullptr;  // open addressing, linear probes, at most 3/4 full
+  size_t slotCount_ = 0;
+  size_t slotsMapped_ = 0;  // size of the index's own block, 0 when it is in the arena
+  std::vector<std::unique_ptr<char[]>> names_;
+  size_t namesUsed_ = kArenaBlock;
   std::deque<SymbolExtra> extras_;
   std::vector<uint32_t> order_;
   bool orderValid_ = false;

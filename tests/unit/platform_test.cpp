@@ -3,10 +3,14 @@
 // that std::filesystem's absolute and lexically_normal give.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <string>
+#include <vector>
 
+#include "platform/large_blocks.h"
 #include "platform/platform.h"
 
 namespace ta51 {
@@ -44,6 +48,41 @@ TEST(ReadWholeFile, ReadsEveryByteAndReportsWhatCannotBeRead) {
   std::remove(name.c_str());
   EXPECT_FALSE(ReadWholeFile(name, read));
   EXPECT_FALSE(ReadWholeFile(".", read));  // a directory opens but cannot be read
+}
+
+// Pieces of the arena must be zeroed, aligned for any entry, and apart from
+// one another, a piece larger than a block included; after Release the
+// arena serves again.
+TEST(LargeBlockArena, GivesZeroedSeparatePieces) {
+  LargeBlockArena arena;
+  for (int round = 0; round < 2; ++round) {
+    const size_t sizes[] = {1, 100, 4096, 700000, size_t{5} << 20, 64, 3};
+    std::vector<std::pair<unsigned char*, size_t>> pieces;
+    for (size_t size : sizes) {
+      auto* piece = static_cast<unsigned char*>(arena.Take(size));
+      ASSERT_NE(piece, nullptr);
+      EXPECT_EQ(reinterpret_cast<uintptr_t>(piece) % 64, 0u);
+      for (size_t at = 0; at < size; at += 997) ASSERT_EQ(piece[at], 0) << size;
+      std::memset(piece, static_cast<int>(pieces.size() + 1), size);
+      pieces.emplace_back(piece, size);
+    }
+    for (size_t index = 0; index < pieces.size(); ++index) {
+      const auto [piece, size] = pieces[index];
+      EXPECT_EQ(piece[0], index + 1);
+      EXPECT_EQ(piece[size - 1], index + 1);
+    }
+    arena.Release();
+  }
+}
+
+TEST(LargeBlock, IsAlignedForHugePagesAndZeroed) {
+  size_t mapped = 0;
+  auto* block = static_cast<unsigned char*>(TakeLargeBlock(size_t{3} << 20, mapped));
+  EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % (size_t{2} << 20), 0u);
+  EXPECT_GE(mapped, size_t{3} << 20);
+  EXPECT_EQ(block[0], 0);
+  EXPECT_EQ(block[mapped - 1], 0);
+  ReleaseLargeBlock(block, mapped);
 }
 
 }  // namespace

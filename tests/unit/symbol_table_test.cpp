@@ -121,14 +121,16 @@ TEST_F(SymbolTableTest, HiddenPredefinedNamesStayInTheirChain) {
   EXPECT_EQ(Order(), (std::vector<std::string>{"P1", "P1"}));
 }
 
-// The index grows several times past its first size; a name entered twice
+// The index grows many times past its first size, beyond the size where it
+// moves out of the shared arena into blocks of its own; a name entered twice
 // must still be found in the order of entry, and every name at all.
 TEST_F(SymbolTableTest, NamesAreFoundAfterTheIndexGrows) {
   DefinePredefinedP1();
   as.opt.PredefinedSymbolsEnabled.bits = 0;
   EXPECT_EQ(Define("P1", T_CODE, 5), "");
-  for (int index = 0; index < 5000; ++index) ASSERT_EQ(Define("N" + std::to_string(index), T_NUMBER, index), "");
-  for (int index = 0; index < 5000; ++index) {
+  constexpr int kNames = 120000;
+  for (int index = 0; index < kNames; ++index) ASSERT_EQ(Define("N" + std::to_string(index), T_NUMBER, index), "");
+  for (int index = 0; index < kNames; ++index) {
     SymbolEntry* entry = Find("N" + std::to_string(index));
     ASSERT_NE(entry, nullptr) << index;
     EXPECT_EQ(entry->value, index);
@@ -136,7 +138,12 @@ TEST_F(SymbolTableTest, NamesAreFoundAfterTheIndexGrows) {
   EXPECT_EQ(Find("P1")->value, 5);
   as.opt.PredefinedSymbolsEnabled.bits = 1;
   EXPECT_EQ(Find("P1")->value, 0x90);
-  EXPECT_EQ(Find("N5000"), nullptr);
+  EXPECT_EQ(Find("N120000"), nullptr);
+  // Emptied, the table starts again from its first size.
+  as.Symbols.Clear();
+  EXPECT_EQ(Find("N7"), nullptr);
+  EXPECT_EQ(Define("N7", T_NUMBER, 70), "");
+  EXPECT_EQ(Find("N7")->value, 70);
 }
 
 TEST_F(SymbolTableTest, CaseFolding) {
