@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/reuse_state.h"
 #include "directives/bank_state.h"
 #include "directives/control_state.h"
 #include "directives/segment_entry.h"
@@ -235,6 +236,9 @@ struct Assembler {
   SegmentEntry* AbsIdataSegment = nullptr;
   SegmentEntry* AbsBitSegment = nullptr;
   BankState Banks;
+
+  // --- Instructions the second pass takes from the first ----------------
+  StatementReuse Reuse;
 
   // --- Conditional assembly and control statements ---------------------
   ConditionalState Conditional;

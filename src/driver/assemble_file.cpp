@@ -7,6 +7,7 @@
 #include "directives/banks.h"
 #include "directives/segments.h"
 #include "core/diagnostics.h"
+#include "core/instruction_stream.h"
 #include "driver/line_reader.h"
 #include "core/option_keywords.h"
 #include "driver/pass.h"
@@ -33,8 +34,8 @@ void OpenListFile(Assembler& as) {
   as.Buffers.Attach(as.ListStream);
 }
 
-FILE* OpenTemporary(Assembler& as, std::string& name, bool& exists) {
-  FILE* file = CreateTemporaryFile(name, as.Buffers);
+FILE* OpenTemporary(Assembler& as, std::string& name, bool& exists, bool buffered) {
+  FILE* file = CreateTemporaryFile(name, buffered ? &as.Buffers : nullptr);
   if (file == nullptr) FatalExit(as, "Cannot create temporary filename");
   exists = true;
   return file;
@@ -105,10 +106,10 @@ void RunSecondPass(Assembler& as) {
     as.FinalObjectStream = std::fopen(as.ObjectName.c_str(), "wb");
     if (as.FinalObjectStream == nullptr) FatalExit(as, "Can't open object file", as.ObjectName);
     as.Buffers.Attach(as.FinalObjectStream);
-    as.BodyFile = OpenTemporary(as, as.BodyFileName, as.BodyFileExists);
+    as.BodyFile = OpenTemporary(as, as.BodyFileName, as.BodyFileExists, true);
     as.ObjectStream = as.BodyFile;
   }
-  std::rewind(as.SizeFile);
+  RewindInstructionStream(as);
   SetSecondPassValues(as);
   ResetPassState(as);
   AssemblePass(as);
@@ -210,6 +211,7 @@ void ResetPassState(Assembler& as) {
   as.SequenceNumber = 0;
   RewindSegments(as);
   StartCStylePass(as);
+  as.Reuse.StartPass();
 }
 
 void AssembleFile(Assembler& as) {
@@ -224,7 +226,8 @@ void AssembleFile(Assembler& as) {
   // word taken for the source must not cost the file named after it.
   as.AssemblyStarted = true;
   OpenListFile(as);
-  as.SizeFile = OpenTemporary(as, as.SizeFileName, as.SizeFileExists);
+  // The instruction stream writes and reads whole blocks of its own.
+  as.SizeFile = OpenTemporary(as, as.SizeFileName, as.SizeFileExists, false);
   if (as.SourceName.find("zvtmp") == std::string::npos) std::fprintf(as.console.out, "%s\n", as.SourceName.c_str());
   as.RunTime = RunTimeText();
   DetectSequenceNumbers(as);

@@ -200,7 +200,7 @@ void RemoveObjectOfFailedRun(Assembler& as) {
 
 }  // namespace
 
-int RunAssembler(const std::vector<std::string>& commandLine, Console console) {
+int RunAssembler(const std::vector<std::string>& commandLine, Console console, RunChecks checks) {
   std::vector<std::string> arguments = commandLine;
   const LinuxOptions extras = TakeLinuxOptions(arguments);
   if (!extras.error.empty()) {
@@ -214,6 +214,7 @@ int RunAssembler(const std::vector<std::string>& commandLine, Console console) {
     return 0;
   }
   Assembler as(console);
+  as.Reuse.checkOnly = checks.reusedInstructions;
   bool success = false;
   try {
     try {

@@ -7,10 +7,12 @@
 #include "driver/directive_dispatch.h"
 #include "directives/segments.h"
 #include "core/diagnostics.h"
+#include "core/instruction_stream.h"
 #include "core/keyword_index.h"
 #include "core/statement.h"
 #include "core/keyword_tables.h"
 #include "driver/line_reader.h"
+#include "driver/statement_reuse.h"
 #include "core/option_keywords.h"
 #include "output/debug_records.h"
 #include "output/list_file.h"
@@ -143,7 +145,7 @@ void FinishInstruction(Assembler& as) {
   DefineLabel(as, kResultInstruction);
   if (as.LineHasError) return;
   if (!as.SecondPass) {
-    if (as.NeedsSizeByte && putc_unlocked(as.CodeLength & 0xFF, as.SizeFile) == EOF) ReportError(as, 25);
+    if (as.NeedsSizeByte) WriteInstructionRecord(as);
     as.TotalBytes += static_cast<uint32_t>(as.CodeLength);
   } else if (!as.opt.OBJ) {
     as.TotalBytes += static_cast<uint32_t>(as.CodeLength);
@@ -371,17 +373,27 @@ int MacroNameCall(Assembler& as) {
 
 }  // namespace
 
-int ProcessStatement(Assembler& as) {
+namespace {
+
+int ReadStatement(Assembler& as) {
   SkipBlanks(as);
   char first = as.Line.Peek();
   if (as.InMacroExpansion) SubstituteParameters(as, as.Line.offset, false);
   as.OpcodeOffset = as.Line.offset;
   if (first == '\n' || first == '\0') return kResultNone;
   if (as.PercentDialect && first == '%' && TryPercentCall(as)) return kResultInstruction;
+  if (!as.SecondPass)
+    WatchStatement(as);
+  else if (ReuseStatement(as))
+    return kResultInstruction;
   uint32_t hash = 0;
   std::string_view word = ReadOpcodeWord(as, hash);
   int mnemonic = FindMnemonic(word, hash);
-  if (mnemonic >= 0) return EncodeInstruction(as, kMnemonics[mnemonic].base, mnemonic);
+  if (mnemonic >= 0) {
+    int result = EncodeInstruction(as, kMnemonics[mnemonic].base, mnemonic);
+    if (!as.SecondPass) KeepStatement(as, result);
+    return result;
+  }
   const KeywordRow* directive = FindKeyword(kDataDirectives, word, hash);
   if (directive == nullptr) directive = FindKeyword(kGeneralDirectives, word, hash);
   if (directive != nullptr) return ProcessDirective(as, directive->code);
@@ -390,6 +402,14 @@ int ProcessStatement(Assembler& as) {
   int late = word.empty() ? -1 : DispatchLateKeywords(as, word, hash);
   if (late >= 0) return late;
   return MacroNameCall(as);
+}
+
+}  // namespace
+
+int ProcessStatement(Assembler& as) {
+  int result = ReadStatement(as);
+  if (as.Reuse.checkPending) CheckReusedStatement(as, result);
+  return result;
 }
 
 void AssemblePass(Assembler& as) {

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "core/diagnostics.h"
+#include "core/instruction_stream.h"
 #include "core/keyword_index.h"
 #include "core/statement.h"
 #include "directives/segments.h"
@@ -103,8 +104,7 @@ int ReadSizeByte(Assembler& as) {
     as.NeedsSizeByte = true;
     return 0;
   }
-  int size = as.SizeFile != nullptr ? getc_unlocked(as.SizeFile) : EOF;
-  return size == EOF ? 0 : size;
+  return TakeInstructionRecord(as);
 }
 
 }  // namespace

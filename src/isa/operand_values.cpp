@@ -1,6 +1,7 @@
 // Operands that carry a value: range and type checks, and the fixup that
 // hands a relocatable value to the linker. The first pass only sizes the
-// instruction, so most checks wait for the second.
+// instruction, so most checks wait for the second; a statement that would
+// fail one there is not taken over from the first pass.
 #include <algorithm>
 #include <array>
 
@@ -55,11 +56,16 @@ int32_t ReadBitOfByte(Assembler& as, int32_t byteAddress) {
   OperandSlot& slot = as.OperandSlot1;
   bool relocatable = !slot.text.empty();
   if (relocatable && as.ExprType != T_DATA) return ReportError(as, 78);
-  if (!relocatable && as.SecondPass && !IsBitAddressable(static_cast<uint32_t>(byteAddress)))
-    return ReportError(as, 78);
+  if (!relocatable && !IsBitAddressable(static_cast<uint32_t>(byteAddress))) {
+    if (as.SecondPass) return ReportError(as, 78);
+    as.Reuse.Decline();
+  }
   int32_t bit = Evaluate(as, nullptr);
   if (as.LineHasError) return 0;
-  if (as.SecondPass && (bit < 0 || bit > 7)) return ReportError(as, 78);
+  if (bit < 0 || bit > 7) {
+    if (as.SecondPass) return ReportError(as, 78);
+    as.Reuse.Decline();
+  }
   if (!relocatable) {
     // Wrapping sums: the first pass may see any value here.
     uint32_t address = static_cast<uint32_t>(byteAddress);
@@ -95,6 +101,14 @@ struct SizedOperand {
   int8_t fixupSize;
 };
 
+// The error the second pass finds in the value, or 0.
+int SizedOperandError(const Assembler& as, const OperandSlot& slot, const SizedOperand& form, int32_t value) {
+  // Negative values down to -limit are accepted as well.
+  if (slot.text.empty() && (value > form.limit || value < -form.limit)) return form.rangeError;
+  if (form.typeAccepted != nullptr && !form.typeAccepted(as.ExprType)) return form.typeError;
+  return 0;
+}
+
 int32_t ReadSizedOperand(Assembler& as, OperandSlot& slot, const SizedOperand& form) {
   int32_t value = Evaluate(as, &slot.text);
   if (as.LineHasError) return 0;
@@ -102,10 +116,12 @@ int32_t ReadSizedOperand(Assembler& as, OperandSlot& slot, const SizedOperand& f
     if (as.SecondPass) ReportError(as, 4);
     return 0;
   }
-  if (!as.SecondPass) return value;
-  // Negative values down to -limit are accepted as well.
-  if (slot.text.empty() && (value > form.limit || value < -form.limit)) return ReportError(as, form.rangeError);
-  if (form.typeAccepted != nullptr && !form.typeAccepted(as.ExprType)) return ReportError(as, form.typeError);
+  const int error = SizedOperandError(as, slot, form, value);
+  if (!as.SecondPass) {
+    if (error != 0) as.Reuse.Decline();
+    return value;
+  }
+  if (error != 0) return ReportError(as, error);
   if (as.ExprRelocatable) {
     slot.FixupSize = form.fixupSize;
     slot.FixupOffset = form.fixupSize == 1 ? ByteFixupOffset(as, slot) : 1;
@@ -129,7 +145,10 @@ int32_t ReadRelativeOperand(Assembler& as, int instructionLength) {
   OperandSlot& slot = instructionLength == 2 ? as.OperandSlot1 : as.OperandSlot2;
   int32_t value = Evaluate(as, &slot.text);
   if (as.LineHasError) return 0;
-  if (as.SecondPass && !IsCodeType(as.ExprType)) return ReportError(as, 86);
+  if (!IsCodeType(as.ExprType)) {
+    if (as.SecondPass) return ReportError(as, 86);
+    as.Reuse.Decline();
+  }
   uint32_t next = NextInstructionAddress(as, instructionLength);
   int32_t displacement = 0;
   if (slot.text.empty()) {
@@ -165,12 +184,17 @@ int32_t ReadAbsoluteTarget(Assembler& as, bool haveValue, int32_t value) {
     if (as.SecondPass) ReportError(as, 4);
     return 0;
   }
-  if (!as.SecondPass) return value & 0x7FF;
   // The block is that of the next instruction, where the program counter
   // stands when the jump is taken.
   uint32_t next = NextInstructionAddress(as, 2);
-  if (slot.text.empty() && ((static_cast<uint32_t>(value) ^ next) & kBlockMask) != 0) ReportError(as, 83);
-  if (!IsCodeType(as.ExprType)) ReportError(as, 86);
+  const bool otherBlock = slot.text.empty() && ((static_cast<uint32_t>(value) ^ next) & kBlockMask) != 0;
+  const bool notCode = !IsCodeType(as.ExprType);
+  if (!as.SecondPass) {
+    if (otherBlock || notCode) as.Reuse.Decline();
+    return value & 0x7FF;
+  }
+  if (otherBlock) ReportError(as, 83);
+  if (notCode) ReportError(as, 86);
   if (as.ExprRelocatable) {
     slot.FixupSize = 2;
     slot.FixupOffset = kWholeInstructionFixup;
@@ -195,9 +219,13 @@ int32_t ReadBitOperand(Assembler& as) {
   }
   // A relocatable operand that is no bit is refused in both passes.
   if (as.ExprRelocatable) return ReportError(as, 78);
-  if (as.SecondPass && as.ExprType != T_NUMBER) return ReportError(as, 78);
+  if (as.ExprType != T_NUMBER) {
+    if (as.SecondPass) return ReportError(as, 78);
+    as.Reuse.Decline();
+  }
   if (static_cast<uint32_t>(value) < 256) return value;
   if (as.SecondPass) ReportError(as, 78);
+  as.Reuse.Decline();
   return 0;
 }
 

@@ -126,7 +126,7 @@ void StreamBuffers::Attach(FILE* stream) {
   std::setvbuf(stream, buffers_.back().get(), _IOFBF, kStreamBufferSize);
 }
 
-FILE* CreateTemporaryFile(std::string& name, StreamBuffers& buffers) {
+FILE* CreateTemporaryFile(std::string& name, StreamBuffers* buffers) {
   char pattern[] = "./zvtmpXXXXXX";
   int descriptor = mkstemp(pattern);
   if (descriptor < 0) {
@@ -141,7 +141,10 @@ FILE* CreateTemporaryFile(std::string& name, StreamBuffers& buffers) {
     return nullptr;
   }
   name = pattern;
-  buffers.Attach(file);
+  if (buffers != nullptr)
+    buffers->Attach(file);
+  else
+    std::setvbuf(file, nullptr, _IONBF, 0);  // its writer buffers whole blocks itself
   return file;
 }
 

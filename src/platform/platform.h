@@ -45,7 +45,7 @@ bool ReadWholeFile(const std::string& path, std::string& text);
 const char* GetEnvironment(const char* name);
 // Makes a unique file "zvtmpXXXXXX" in the current directory and opens it
 // for reading and writing. Returns nullptr and leaves `name` empty on failure.
-FILE* CreateTemporaryFile(std::string& name, StreamBuffers& buffers);
+FILE* CreateTemporaryFile(std::string& name, StreamBuffers* buffers);
 // The time of the run in the 24 characters of the ctime form. The variable
 // SOURCE_DATE_EPOCH, when set, fixes it, so that listings can be reproduced.
 std::string RunTimeText();

@@ -411,6 +411,8 @@ class Evaluator {
     SymbolEntry& symbol = *as_.FoundSymbol;
     LoneRecord term{.segmentBefore = as_.ExprSegment, .relocatableBefore = as_.ExprRelocatable};
     if (type == T_DECLARED) as_.ExprUndefined = true;
+    // A SET may give the name another value before the second pass gets here.
+    if (symbol.flags & kSymSettable) as_.Reuse.Decline();
     symbol.flags |= kSymUsedExternal;
     expr_.TermSegment = symbol.segment;
     NoteSymbolFacts(symbol.segment, symbol.type);

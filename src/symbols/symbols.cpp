@@ -204,6 +204,7 @@ int MatchRegisterSymbol(Assembler& as, int low, int high) {
   if (!ReadName(as, here)) return 0;
   SymbolEntry* symbol = FindSymbol(as, as.NameBuffer);
   if (symbol == nullptr || (symbol->type != T_REGEQU && symbol->type != T_REGSET)) return 0;
+  if (symbol->type == T_REGSET) as.Reuse.Decline();  // it may name another register later
   if (symbol->value < low || symbol->value > high) return 0;
   as.Line.offset += static_cast<int32_t>(as.NameBuffer.size());
   return symbol->value;

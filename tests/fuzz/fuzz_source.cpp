@@ -88,7 +88,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (NamesSystemFile(text)) return -1;
   const char* source = (data[0] & 1) != 0 ? "fuzz.a51" : "fuzz.asm";
   if (!WriteSource(source, data + 1, size - 1)) std::abort();
-  ta51::RunAssembler({source, "fuzz.OBJ", "fuzz.LST", "/NOLOGO"}, setup.console);
+  // Every instruction the second pass could take from the first is read
+  // again and compared.
+  ta51::RunAssembler({source, "fuzz.OBJ", "fuzz.LST", "/NOLOGO"}, setup.console, ta51::RunChecks{true});
   std::fflush(setup.console.out);
   return 0;
 }

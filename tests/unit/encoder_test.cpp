@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "core/instruction_stream.h"
 #include "driver/entry.h"
 #include "symbols/symbols.h"
 #include "isa/encoder.h"
@@ -116,13 +117,15 @@ class EncoderTest : public ::testing::Test {
     std::vector<Encoded> results;
     if (as.SizeFile != nullptr) std::fclose(as.SizeFile);
     as.SizeFile = std::tmpfile();
+    as.Reuse.StartPass();
     for (as.SecondPass = 0; as.SecondPass < 2; ++as.SecondPass) {
-      std::rewind(as.SizeFile);
+      RewindInstructionStream(as);
+      as.Reuse.StartPass();
       as.CurrentSegment->location = origin;
       results.clear();
       for (const std::string& line : lines) {
         results.push_back(Statement(line));
-        if (!as.SecondPass && as.NeedsSizeByte && !as.LineHasError) std::fputc(as.CodeLength, as.SizeFile);
+        if (!as.SecondPass && as.NeedsSizeByte && !as.LineHasError) WriteInstructionRecord(as);
       }
       if (as.ErrorCount > 0) break;
     }

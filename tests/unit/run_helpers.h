@@ -74,7 +74,7 @@ class AssemblyTest : public ::testing::Test {
     std::fputs(input.c_str(), in);
     std::rewind(in);
     RunResult result;
-    result.status = RunAssembler(arguments, Console{out.get(), err.get(), in});
+    result.status = RunAssembler(arguments, Console{out.get(), err.get(), in}, RunChecks{true});
     std::fclose(in);
     result.out = out.Text();
     result.err = err.Text();
