@@ -1,9 +1,10 @@
-// An instruction is kept when its line stood outside any macro, all it named
-// was defined before it and cannot be set again, it used nothing the linker
-// places, and the checks that only the second pass makes would pass. The
-// second pass reuses it only as the next instruction of the stream, for a
-// line of the same text at the same address of the same segment under the
-// same options: a 64-bit check of those must match.
+// An instruction is kept when its line stood outside any macro, case was
+// significant in names, all it named was defined before it and cannot be set
+// again, it used nothing the linker places, and the checks that only the
+// second pass makes would pass. The second pass reuses it only as the next
+// instruction of the stream, for a line of the same text at the same address
+// of the same segment under the same options: a 64-bit check of those must
+// match.
 #include "driver/statement_reuse.h"
 
 #include <cstdio>
@@ -38,9 +39,8 @@ uint64_t CheckOf(const Assembler& as) {
   uint64_t tail = 0;
   for (; at < length; ++at) tail = (tail << 8) | static_cast<unsigned char>(text[at]);
   check = Mix(check, tail);
-  const uint64_t options = (as.opt.NOCASE.Value() != 0 ? 1u : 0u) |
-                           (as.opt.PredefinedSymbolsEnabled.Value() != 0 ? 2u : 0u) |
-                           (as.opt.InPageOption.Value() != 0 ? 4u : 0u);
+  const uint64_t options = (as.opt.PredefinedSymbolsEnabled.Value() != 0 ? 1u : 0u) |
+                           (as.opt.InPageOption.Value() != 0 ? 2u : 0u);
   check = Mix(check, reinterpret_cast<uintptr_t>(as.CurrentSegment));
   return Mix(check, (uint64_t{as.CurrentSegment->location} << 8) | options);
 }
@@ -49,10 +49,9 @@ uint32_t DiagnosticCount(const Assembler& as) {
   return static_cast<uint32_t>(as.ErrorCount) + static_cast<uint32_t>(as.WarningCount);
 }
 
-// Ignoring case, a name may find a twin entered after it was read.
-bool CaseTwinsMatter(const Assembler& as) {
-  return as.opt.NOCASE.Value() != 0 && as.Symbols.EntriesUpToLastCaseTwin() != 0;
-}
+// Ignoring case, a name finds the first of its spellings in name order, and
+// a spelling defined later may come first: such lines are always read again.
+bool IgnoresCase(const Assembler& as) { return as.opt.NOCASE.Value() != 0; }
 
 bool FitsByte(int32_t step) { return step >= 0 && step <= UINT8_MAX; }
 
@@ -63,7 +62,7 @@ bool IsFinal(const Assembler& as, int result) {
          as.OperandSlot1.FixupOffset == 0 && as.OperandSlot2.FixupOffset == 0 && as.CurrentSegment != nullptr &&
          DiagnosticCount(as) == reuse.diagnosticsBefore && as.CodeLength >= 0 && as.CodeLength <= 3 &&
          FitsByte(as.OperandOffset - reuse.opcodeOffset) && FitsByte(as.Line.offset - as.OperandOffset) &&
-         as.Line.text.size() <= UINT16_MAX && !CaseTwinsMatter(as);
+         as.Line.text.size() <= UINT16_MAX && !IgnoresCase(as);
 }
 
 }  // namespace
@@ -92,7 +91,7 @@ void KeepStatement(Assembler& as, int result) {
 bool ReuseStatement(Assembler& as) {
   if (as.CurrentSegment == nullptr || as.InMacroExpansion || as.PercentDialect) return false;
   const InstructionRecord* record = NextInstructionRecord(as);
-  if (record == nullptr || !record->reusable || record->textLength != as.Line.text.size() || CaseTwinsMatter(as) ||
+  if (record == nullptr || !record->reusable || record->textLength != as.Line.text.size() || IgnoresCase(as) ||
       record->check != CheckOf(as))
     return false;
   if (as.Reuse.checkOnly) {

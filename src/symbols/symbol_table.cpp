@@ -67,7 +67,6 @@ void SymbolTable::Clear() {
   scopeCursor_ = 0;
   longestName_ = 0;
   hasRegisterAliases_ = false;
-  entriesUpToLastTwin_ = 0;
   foldCase_ = false;
 }
 
@@ -114,17 +113,6 @@ void SymbolTable::PlaceInIndex(uint32_t hash, uint32_t index) {
   uint32_t slot = hash & mask;
   while (slots_[slot].entry != 0) slot = (slot + 1) & mask;
   slots_[slot] = Slot{hash, index + 1};
-}
-
-// The hash ignores case, so a twin lies on the entry's probe sequence.
-bool SymbolTable::HasCaseTwin(const SymbolEntry& entry) const {
-  uint32_t mask = static_cast<uint32_t>(slotCount_ - 1);
-  for (uint32_t slot = entry.hash & mask; slots_[slot].entry != 0; slot = (slot + 1) & mask) {
-    if (slots_[slot].hash != entry.hash) continue;
-    const SymbolEntry& other = At(slots_[slot].entry - 1);
-    if (other.scope == entry.scope && other.name != entry.name && EqualFolded(other.name, entry.name)) return true;
-  }
-  return false;
 }
 
 // Twice the slots, refilled in the order of entry.
@@ -185,7 +173,6 @@ SymbolEntry* SymbolTable::Insert(const SymbolEntry& entry, bool noCase) {
   stored.scope = stored.chain == kFileScopeChain ? fileScope_ : 0;
   stored.hash = Hash(stored.name, stored.scope);
   ++count_;
-  if (HasCaseTwin(stored)) entriesUpToLastTwin_ = count_;
   PlaceInIndex(stored.hash, index);
   if (stored.name.size() + 1 > longestName_) longestName_ = stored.name.size() + 1;
   orderValid_ = false;

@@ -140,10 +140,6 @@ class SymbolTable {
   // until then no operand needs to look one up.
   bool HasRegisterAliases() const { return hasRegisterAliases_; }
   void NoteRegisterAlias() { hasRegisterAliases_ = true; }
-  // The number of entries up to the last one entered beside a name that
-  // differs from it only in case, or 0. Ignoring case, a name may find the
-  // later twin instead of the entry it found before it was entered.
-  uint32_t EntriesUpToLastCaseTwin() const { return entriesUpToLastTwin_; }
   size_t Size() const { return count_; }
 
  private:
@@ -174,7 +170,6 @@ class SymbolTable {
   };
   static uint32_t Hash(std::string_view name, uint32_t scope);
   void PlaceInIndex(uint32_t hash, uint32_t index);
-  bool HasCaseTwin(const SymbolEntry& entry) const;
   void Grow();
   void MakeSlots(size_t count);
   void ReleaseSlots();
@@ -201,7 +196,6 @@ class SymbolTable {
   uint32_t scopeCursor_ = 0;
   size_t longestName_ = 0;
   bool hasRegisterAliases_ = false;
-  uint32_t entriesUpToLastTwin_ = 0;
   bool foldCase_ = false;
 };
 
