@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 #include "driver/entry.h"
 
 namespace ta51 {
@@ -33,8 +35,9 @@ struct Outcome {
   std::string console, object, list;
 };
 
-// One directory for both ways: its path shows in messages and list files.
-const fs::path kWork = fs::temp_directory_path() / "ta51reuse";
+// One directory for both ways, as its path shows in messages and list
+// files; one for each test process, as ctest may run tests side by side.
+const fs::path kWork = fs::temp_directory_path() / ("ta51reuse" + std::to_string(getpid()));
 
 // Assembles `source` in a fresh copy of its directory, or `text` as
 // source.asm when it is given.
