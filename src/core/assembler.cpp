@@ -1,5 +1,7 @@
 #include "core/assembler.h"
 
+#include "platform/platform.h"
+
 namespace ta51 {
 
 Assembler::~Assembler() {
@@ -8,7 +10,7 @@ Assembler::~Assembler() {
   for (FILE* file : {SizeFile, BodyFile, FinalObjectStream}) {
     if (file != nullptr) std::fclose(file);
   }
-  if (ListStream != nullptr && ListStream != console.out && ListStream != console.err) std::fclose(ListStream);
+  if (ListStream != nullptr && ListStream != console.out && ListStream != console.err) CloseRewritten(ListStream);
 }
 
 }  // namespace ta51

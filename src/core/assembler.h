@@ -101,7 +101,8 @@ struct Console {
 // the list stream empties it first (FlushListBuffer).
 struct ListBuffer {
   static constexpr size_t kCapacity = 1 << 16;
-  std::unique_ptr<char[]> data = std::make_unique_for_overwrite<char[]>(kCapacity);
+  explicit ListBuffer(LargeBlockArena& memory) : data(static_cast<char*>(memory.Take(kCapacity))) {}
+  char* data;
   size_t used = 0;
 };
 
@@ -111,6 +112,9 @@ struct Assembler {
   Assembler& operator=(const Assembler&) = delete;
   ~Assembler();
 
+  // The run's buffers and tables live in large blocks (see LargeBlockArena),
+  // given back when the run ends, after every member that uses them.
+  LargeBlockArena Memory;
   Console console;
 
   // --- Settings of the command line -------------------------------------
@@ -137,9 +141,9 @@ struct Assembler {
   std::vector<std::string> FilesRead;  // the source and its include files, for --depfile
   std::string CurrentFileName;
   std::unique_ptr<InputFile> SourceStream;
-  StreamBuffers Buffers;  // of the streams below; freed after they are closed
+  StreamBuffers Buffers{Memory};  // of the streams below; freed after they are closed
   FILE* ListStream = nullptr;
-  ListBuffer ListPending;  // text of ListStream not yet handed to it
+  ListBuffer ListPending{Memory};  // text of ListStream not yet handed to it
   bool ListIsConsole = false;  // ListName is "CON.LST"
   FILE* SizeFile = nullptr;
   std::string SizeFileName;
@@ -223,7 +227,7 @@ struct Assembler {
   int32_t ExprDepth = 0;  // nesting guard of the evaluator
 
   // --- Symbols ------------------------------------------------------------
-  SymbolTable Symbols;
+  SymbolTable Symbols{Memory};
   std::string NameBuffer;
   SymbolEntry* FoundSymbol = nullptr;
 
@@ -265,7 +269,7 @@ struct Assembler {
 // Hands the gathered list text to the list stream.
 inline void FlushListBuffer(Assembler& as) {
   ListBuffer& buffer = as.ListPending;
-  if (buffer.used != 0 && as.ListStream != nullptr) std::fwrite(buffer.data.get(), 1, buffer.used, as.ListStream);
+  if (buffer.used != 0 && as.ListStream != nullptr) std::fwrite(buffer.data, 1, buffer.used, as.ListStream);
   buffer.used = 0;
 }
 

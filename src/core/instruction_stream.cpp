@@ -31,15 +31,16 @@ void UnpackReusable(const unsigned char* in, InstructionRecord& record) {
   std::memcpy(&record.check, in + 8, 8);
 }
 
-unsigned char* Window(StatementReuse& reuse) {
-  if (!reuse.window) reuse.window = std::make_unique_for_overwrite<unsigned char[]>(StatementReuse::kWindowSize);
-  return reuse.window.get();
+unsigned char* Window(Assembler& as) {
+  StatementReuse& reuse = as.Reuse;
+  if (reuse.window == nullptr) reuse.window = static_cast<unsigned char*>(as.Memory.Take(StatementReuse::kWindowSize));
+  return reuse.window;
 }
 
 void FlushWindow(Assembler& as) {
   StatementReuse& reuse = as.Reuse;
   if (reuse.windowUsed == 0) return;
-  if (as.SizeFile == nullptr || std::fwrite(Window(reuse), 1, reuse.windowUsed, as.SizeFile) != reuse.windowUsed)
+  if (as.SizeFile == nullptr || std::fwrite(Window(as), 1, reuse.windowUsed, as.SizeFile) != reuse.windowUsed)
     ReportError(as, 25);
   reuse.windowUsed = 0;
 }
@@ -50,7 +51,7 @@ size_t Available(Assembler& as, size_t wanted) {
   StatementReuse& reuse = as.Reuse;
   size_t left = reuse.windowFilled - reuse.windowUsed;
   if (left >= wanted || as.SizeFile == nullptr) return left;
-  unsigned char* window = Window(reuse);
+  unsigned char* window = Window(as);
   std::memmove(window, window + reuse.windowUsed, left);
   left += std::fread(window + left, 1, StatementReuse::kWindowSize - left, as.SizeFile);
   reuse.windowUsed = 0;
@@ -63,7 +64,7 @@ size_t Available(Assembler& as, size_t wanted) {
 void WriteInstructionRecord(Assembler& as) {
   StatementReuse& reuse = as.Reuse;
   if (reuse.windowUsed + kLongestRecord > StatementReuse::kWindowSize) FlushWindow(as);
-  unsigned char* out = Window(reuse) + reuse.windowUsed;
+  unsigned char* out = Window(as) + reuse.windowUsed;
   InstructionRecord& kept = reuse.kept;
   out[0] = static_cast<unsigned char>(as.CodeLength & 0xFF);
   out[1] = kept.reusable ? 1 : 0;
@@ -85,7 +86,7 @@ const InstructionRecord* NextInstructionRecord(Assembler& as) {
   StatementReuse& reuse = as.Reuse;
   if (reuse.aheadRead) return &reuse.ahead;
   if (Available(as, kLongestRecord) < kHeadSize) return nullptr;
-  const unsigned char* in = Window(reuse) + reuse.windowUsed;
+  const unsigned char* in = Window(as) + reuse.windowUsed;
   InstructionRecord& record = reuse.ahead;
   record.size = in[0];
   record.reusable = in[1] != 0;

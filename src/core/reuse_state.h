@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
 namespace ta51 {
 
@@ -47,7 +46,7 @@ struct StatementReuse {
   // The stream's bytes pass through this window: records are written and
   // read with a copy each, the file with a call per window.
   static constexpr size_t kWindowSize = 16384;
-  std::unique_ptr<unsigned char[]> window;
+  unsigned char* window = nullptr;  // in the run's memory
   size_t windowUsed = 0;    // first pass: bytes waiting; second: bytes taken
   size_t windowFilled = 0;  // second pass: bytes read into it
 

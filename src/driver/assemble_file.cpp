@@ -29,7 +29,7 @@ void OpenListFile(Assembler& as) {
     as.ListStream = as.console.out;
     return;
   }
-  as.ListStream = std::fopen(as.ListName.c_str(), "w");
+  as.ListStream = OpenForRewrite(as.ListName);
   if (as.ListStream == nullptr) FatalExit(as, "Cannot open list file", as.ListName);
   as.Buffers.Attach(as.ListStream);
 }
@@ -103,7 +103,7 @@ void RunSecondPass(Assembler& as) {
   if (CommencingLinesWanted(as)) std::fputs("Commencing second pass\n", as.console.out);
   as.SourceStream->Rewind();
   if (as.opt.OBJ) {
-    as.FinalObjectStream = std::fopen(as.ObjectName.c_str(), "wb");
+    as.FinalObjectStream = OpenForRewrite(as.ObjectName);
     if (as.FinalObjectStream == nullptr) FatalExit(as, "Can't open object file", as.ObjectName);
     as.Buffers.Attach(as.FinalObjectStream);
     as.BodyFile = OpenTemporary(as, as.BodyFileName, as.BodyFileExists, true);
@@ -125,26 +125,24 @@ void ChooseModuleName(Assembler& as) {
   as.ModuleName = dot == std::string::npos ? text : text.substr(0, dot);
 }
 
-void AppendFile(Assembler& as, const std::string& objectName, const std::string& bodyName) {
-  FILE* object = std::fopen(objectName.c_str(), "ab");
+// Appends the body file to the object behind its head, and closes both.
+void AppendBody(Assembler& as, FILE* object, const std::string& bodyName) {
   FILE* body = std::fopen(bodyName.c_str(), "rb");
-  if (object == nullptr || body == nullptr) {
-    if (object != nullptr) std::fclose(object);
-    if (body != nullptr) std::fclose(body);
+  if (body == nullptr) {
+    CloseRewritten(object);
     std::fputs("Cannot open file\n", as.console.out);
     Terminate(as, false);
   }
-  // Large blocks and no stream buffers: one system call per block each way.
-  std::setvbuf(object, nullptr, _IONBF, 0);
+  // Large blocks: one system call per block each way.
   std::setvbuf(body, nullptr, _IONBF, 0);
-  auto block = std::make_unique_for_overwrite<char[]>(kStreamBufferSize);
+  char* block = static_cast<char*>(as.Memory.Take(kStreamBufferSize));
   size_t got;
   bool failed = false;
   do {
-    got = std::fread(block.get(), 1, kStreamBufferSize, body);
-    if (std::fwrite(block.get(), 1, got, object) != got) failed = true;
+    got = std::fread(block, 1, kStreamBufferSize, body);
+    if (std::fwrite(block, 1, got, object) != got) failed = true;
   } while (got == kStreamBufferSize);
-  if (std::fclose(object) != 0) failed = true;
+  if (!CloseRewritten(object)) failed = true;
   std::fclose(body);
   if (failed) ReportError(as, 25, false);
 }
@@ -163,11 +161,10 @@ void BuildObjectFile(Assembler& as) {
   as.ObjectStream = as.FinalObjectStream;
   WriteModuleHead(as);
   WriteSegmentRecords(as);
-  FILE* head = as.FinalObjectStream;
+  FILE* object = as.FinalObjectStream;
   as.ObjectStream = nullptr;
   as.FinalObjectStream = nullptr;
-  if (std::fclose(head) != 0) ReportError(as, 25, false);
-  AppendFile(as, as.ObjectName, as.BodyFileName);
+  AppendBody(as, object, as.BodyFileName);
   std::remove(as.BodyFileName.c_str());
   as.BodyFileExists = false;
 }
@@ -177,7 +174,7 @@ void BuildObjectFile(Assembler& as) {
 void CloseObjectLeftByObjoff(Assembler& as) {
   FILE* object = as.FinalObjectStream;
   as.FinalObjectStream = as.ObjectStream = nullptr;
-  if (std::fclose(object) != 0) ReportError(as, 25, false);
+  if (!CloseRewritten(object)) ReportError(as, 25, false);
   RemoveTemporaryFiles(as);
 }
 
@@ -219,7 +216,7 @@ void AssembleFile(Assembler& as) {
   EnterAllPredefinedSymbols(as, false);
   as.DebugFileSeen = false;
   as.CurrentFileName = FullPath(as.SourceName);
-  as.SourceStream = InputFile::Open(as.CurrentFileName);
+  as.SourceStream = InputFile::Open(as.CurrentFileName, static_cast<char*>(as.Memory.Take(InputFile::kBufferSize)));
   if (as.SourceStream == nullptr) FatalExit(as, "Cannot open source file", as.CurrentFileName);
   as.FilesRead.push_back(as.CurrentFileName);
   // Only now is the object name surely the object of this source: a typed

@@ -339,9 +339,9 @@ bool ListRowInReservedRoom(Assembler& as) {
   if (room == 0) return false;
   ListBuffer& buffer = as.ListPending;
   if (room > ListBuffer::kCapacity - buffer.used) FlushListBuffer(as);
-  ListRow<ReservedSink> row(as, ReservedSink(buffer.data.get() + buffer.used));
+  ListRow<ReservedSink> row(as, ReservedSink(buffer.data + buffer.used));
   WriteFirstRow(row);
-  buffer.used = static_cast<size_t>(row.sink.End() - buffer.data.get());
+  buffer.used = static_cast<size_t>(row.sink.End() - buffer.data);
   return true;
 }
 

@@ -24,7 +24,7 @@ inline void Write(Assembler& as, std::string_view text) {
       return;
     }
   }
-  std::memcpy(buffer.data.get() + buffer.used, text.data(), text.size());
+  std::memcpy(buffer.data + buffer.used, text.data(), text.size());
   buffer.used += text.size();
 }
 
@@ -55,9 +55,9 @@ class BufferSink {
 
   char* Room(size_t size) {
     if (size > ListBuffer::kCapacity - buffer_.used) FlushListBuffer(as_);
-    return buffer_.data.get() + buffer_.used;
+    return buffer_.data + buffer_.used;
   }
-  void Done(const char* end) { buffer_.used = static_cast<size_t>(end - buffer_.data.get()); }
+  void Done(const char* end) { buffer_.used = static_cast<size_t>(end - buffer_.data); }
   void Put(char c) { Write(as_, c); }
   void Put(const char* text, size_t size) { Write(as_, std::string_view(text, size)); }
   // Padding wider than the room left goes in pieces that fit the buffer.
@@ -65,7 +65,7 @@ class BufferSink {
     while (count != 0) {
       if (buffer_.used == ListBuffer::kCapacity) FlushListBuffer(as_);
       const size_t piece = std::min(count, ListBuffer::kCapacity - buffer_.used);
-      std::memset(buffer_.data.get() + buffer_.used, ' ', piece);
+      std::memset(buffer_.data + buffer_.used, ' ', piece);
       buffer_.used += piece;
       count -= piece;
     }

@@ -5,8 +5,6 @@
 namespace ta51 {
 
 namespace {
-constexpr size_t kBufferSize = 1 << 16;
-
 // Index of the first `byte` at or behind `from` in the filled buffer, or `filled`.
 size_t FindByte(const char* buffer, size_t from, size_t filled, char byte) {
   const void* found = std::memchr(buffer + from, byte, filled - from);
@@ -14,21 +12,26 @@ size_t FindByte(const char* buffer, size_t from, size_t filled, char byte) {
 }
 }  // namespace
 
-InputFile::InputFile(FILE* file) : file_(file), buffer_(std::make_unique_for_overwrite<char[]>(kBufferSize)) {}
+InputFile::InputFile(FILE* file, char* buffer) : file_(file), buffer_(buffer) {
+  if (buffer_ == nullptr) {
+    ownBuffer_ = std::make_unique_for_overwrite<char[]>(kBufferSize);
+    buffer_ = ownBuffer_.get();
+  }
+}
 
 InputFile::~InputFile() { std::fclose(file_); }
 
-std::unique_ptr<InputFile> InputFile::Open(const std::string& path) {
+std::unique_ptr<InputFile> InputFile::Open(const std::string& path, char* buffer) {
   FILE* file = std::fopen(path.c_str(), "rb");
   if (file == nullptr) return nullptr;
-  return std::unique_ptr<InputFile>(new InputFile(file));
+  return std::unique_ptr<InputFile>(new InputFile(file, buffer));
 }
 
 bool InputFile::Refill() {
-  filled_ = std::fread(buffer_.get(), 1, kBufferSize, file_);
+  filled_ = std::fread(buffer_, 1, kBufferSize, file_);
   position_ = 0;
-  nextReturn_ = FindByte(buffer_.get(), 0, filled_, '\r');
-  nextNul_ = FindByte(buffer_.get(), 0, filled_, '\0');
+  nextReturn_ = FindByte(buffer_, 0, filled_, '\r');
+  nextNul_ = FindByte(buffer_, 0, filled_, '\0');
   plainEnd_ = std::min(nextReturn_, nextNul_);
   return filled_ != 0;
 }
@@ -40,8 +43,8 @@ void InputFile::PushBack(int c) {
 
 bool InputFile::FindPlainEnd() {
   if (pushedBack_ != kNone) return false;
-  if (nextReturn_ < position_) nextReturn_ = FindByte(buffer_.get(), position_, filled_, '\r');
-  if (nextNul_ < position_) nextNul_ = FindByte(buffer_.get(), position_, filled_, '\0');
+  if (nextReturn_ < position_) nextReturn_ = FindByte(buffer_, position_, filled_, '\r');
+  if (nextNul_ < position_) nextNul_ = FindByte(buffer_, position_, filled_, '\0');
   plainEnd_ = std::min(nextReturn_, nextNul_);
   return plainEnd_ > position_;
 }

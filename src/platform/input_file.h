@@ -12,13 +12,16 @@ namespace ta51 {
 class InputFile {
  public:
   static constexpr int kEnd = -1;
+  static constexpr size_t kBufferSize = size_t{1} << 16;
 
   ~InputFile();
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
 
-  // Opens a file for reading, or returns nullptr.
-  static std::unique_ptr<InputFile> Open(const std::string& path);
+  // Opens a file for reading, or returns nullptr. A `buffer` of kBufferSize
+  // bytes, when given, is used instead of one of its own and must outlive
+  // the file.
+  static std::unique_ptr<InputFile> Open(const std::string& path, char* buffer = nullptr);
 
   int Get() {
     if (pushedBack_ != kNone) {
@@ -43,8 +46,8 @@ class InputFile {
   // returns how many were taken (0 at a special byte or an empty buffer).
   size_t AppendPlainRun(std::string& text) {
     if (pushedBack_ != kNone) return 0;
-    const char* begin = buffer_.get() + position_;
-    const char* end = buffer_.get() + filled_;
+    const char* begin = buffer_ + position_;
+    const char* end = buffer_ + filled_;
     const char* stop = begin;
     while (stop != end && *stop != '\n' && *stop != '\r' && *stop != '\0') ++stop;
     text.append(begin, stop);
@@ -58,8 +61,8 @@ class InputFile {
   // At the end of the buffer the view is empty too: TakeSimpleLine refills.
   std::string_view PeekSimpleLine() {
     if (plainEnd_ <= position_ && !FindPlainEnd()) return {};
-    const char* begin = buffer_.get() + position_;
-    const char* plainEnd = buffer_.get() + plainEnd_;
+    const char* begin = buffer_ + position_;
+    const char* plainEnd = buffer_ + plainEnd_;
     const char* newLine = static_cast<const char*>(std::memchr(begin, '\n', plainEnd_ - position_));
     // A line feed right before the block end or a special byte may be part
     // of a longer break: the byte-wise reader decides.
@@ -82,7 +85,7 @@ class InputFile {
 
  private:
   static constexpr int kNone = -2;
-  explicit InputFile(FILE* file);
+  InputFile(FILE* file, char* buffer);
   bool Refill();
   // Brings the positions of the next carriage return and NUL up to the read
   // position; false when no plain byte follows it or a byte is pushed back.
@@ -91,7 +94,8 @@ class InputFile {
 
   FILE* file_;
   // Not cleared when made: every byte read is first written by a refill.
-  std::unique_ptr<char[]> buffer_;
+  std::unique_ptr<char[]> ownBuffer_;
+  char* buffer_;
   size_t position_ = 0;
   size_t filled_ = 0;
   int pushedBack_ = kNone;

@@ -1,5 +1,6 @@
 #include "platform/platform.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -122,8 +123,7 @@ bool ReadWholeFile(const std::string& path, std::string& text) {
 const char* GetEnvironment(const char* name) { return std::getenv(name); }
 
 void StreamBuffers::Attach(FILE* stream) {
-  buffers_.push_back(std::make_unique_for_overwrite<char[]>(kStreamBufferSize));
-  std::setvbuf(stream, buffers_.back().get(), _IOFBF, kStreamBufferSize);
+  std::setvbuf(stream, static_cast<char*>(memory_.Take(kStreamBufferSize)), _IOFBF, kStreamBufferSize);
 }
 
 FILE* CreateTemporaryFile(std::string& name, StreamBuffers* buffers) {
@@ -146,6 +146,25 @@ FILE* CreateTemporaryFile(std::string& name, StreamBuffers* buffers) {
   else
     std::setvbuf(file, nullptr, _IONBF, 0);  // its writer buffers whole blocks itself
   return file;
+}
+
+FILE* OpenForRewrite(const std::string& path) {
+  int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+  if (descriptor < 0) return nullptr;
+  FILE* file = fdopen(descriptor, "wb");
+  if (file == nullptr) close(descriptor);
+  return file;
+}
+
+bool CloseRewritten(FILE* stream) {
+  bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0;
+  const off_t end = ftello(stream);
+  struct stat status {};
+  const int descriptor = fileno(stream);
+  // A device or a pipe has no length to cut.
+  if (written && end >= 0 && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > end)
+    written = ftruncate(descriptor, end) == 0;
+  return std::fclose(stream) == 0 && written;
 }
 
 std::string RunTimeText() {

@@ -47,17 +47,16 @@ int CompareNames(std::string_view a, std::string_view b, bool foldCase) {
 
 }  // namespace
 
-SymbolTable::SymbolTable() { Clear(); }
+SymbolTable::SymbolTable(LargeBlockArena& memory) : arena_(memory) { Clear(); }
 
 SymbolTable::~SymbolTable() { ReleaseSlots(); }
 
 void SymbolTable::Clear() {
   ReleaseSlots();
   entryChunks_.clear();
-  arena_.Release();
   count_ = 0;
   MakeSlots(1024);
-  names_.clear();
+  names_ = nullptr;
   namesUsed_ = kArenaBlock;
   extras_.clear();
   order_.clear();
@@ -124,10 +123,10 @@ void SymbolTable::Grow() {
 std::string_view SymbolTable::StoreName(std::string_view name) {
   size_t needed = name.size() + 1;
   if (namesUsed_ + needed > kArenaBlock) {
-    names_.push_back(std::make_unique_for_overwrite<char[]>(std::max(kArenaBlock, needed)));
+    names_ = static_cast<char*>(arena_.Take(std::max(kArenaBlock, needed)));
     namesUsed_ = 0;
   }
-  char* stored = names_.back().get() + namesUsed_;
+  char* stored = names_ + namesUsed_;
   std::memcpy(stored, name.data(), name.size());
   stored[name.size()] = '\0';
   namesUsed_ += needed;

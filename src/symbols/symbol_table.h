@@ -90,7 +90,8 @@ class SymbolTable {
   using ScopeId = uint32_t;
   static constexpr ScopeId kNoScope = UINT32_MAX;
 
-  SymbolTable();
+  // Entries, index and names are taken from `memory`, which outlives the table.
+  explicit SymbolTable(LargeBlockArena& memory);
   ~SymbolTable();
   SymbolTable(const SymbolTable&) = delete;
   SymbolTable& operator=(const SymbolTable&) = delete;
@@ -179,13 +180,13 @@ class SymbolTable {
 
   // Entries and index are read at random on every look-up: they live in
   // large blocks, where the system may back them with huge pages.
-  LargeBlockArena arena_;
+  LargeBlockArena& arena_;
   std::vector<SymbolEntry*> entryChunks_;  // made in the arena as entries arrive
   uint32_t count_ = 0;
   Slot* slots_ = nullptr;  // open addressing, linear probes, at most 3/4 full
   size_t slotCount_ = 0;
   size_t slotsMapped_ = 0;  // size of the index's own block, 0 when it is in the arena
-  std::vector<std::unique_ptr<char[]>> names_;
+  char* names_ = nullptr;  // the block that names are stored in now
   size_t namesUsed_ = kArenaBlock;
   std::deque<SymbolExtra> extras_;
   std::vector<uint32_t> order_;

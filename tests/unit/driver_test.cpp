@@ -95,6 +95,27 @@ TEST_F(Driver, FileNameRules) {
   EXPECT_EQ(Run({Path("prog.asm") + ";", "/NOLOGO"}).status, 0);
 }
 
+// Output files are written over in place rather than cut to nothing first:
+// a shorter run must still leave nothing of the longer one behind.
+TEST_F(Driver, ShorterOutputReplacesLongerFiles) {
+  std::string longer;
+  for (int n = 0; n < 3000; ++n) longer += "\tMOV\tA,#" + std::to_string(n % 256) + "\n";
+  ASSERT_EQ(Assemble("p.asm", longer).status, 0);
+  ASSERT_EQ(Assemble("fresh.asm", "\tNOP\n").status, 0);
+  const std::string freshObject = Read("fresh.OBJ"), freshList = Read("fresh.LST");
+  ASSERT_EQ(Assemble("p.asm", "\tNOP\n").status, 0);
+  // Below their first lines, which name the source, the same text.
+  const auto below = [](const std::string& text) { return text.substr(text.find('\n')); };
+  EXPECT_EQ(below(Read("p.OBJ")), below(freshObject));
+  EXPECT_EQ(below(Read("p.LST")), below(freshList));
+  // OBJOFF after BIN leaves the object file empty, whatever it held before.
+  ASSERT_EQ(Assemble("p.asm", "\tNOP\n\tBIN\n\tOBJOFF\n\tNOP\n").status, 0);
+  EXPECT_TRUE(Exists("p.OBJ"));
+  EXPECT_EQ(Read("p.OBJ"), "");
+  // A device has no length to cut: writing the list there is no failure.
+  EXPECT_EQ(Run({"p.asm", "p.OBJ", "/dev/null", "/NOLOGO"}).status, 0);
+}
+
 TEST_F(Driver, ErrorMessageEchoAndFailedRunRemovesObject) {
   Write("bad.OBJ", "stale");
   RunResult run = Assemble("bad.asm", ";first\n FOO BAR\n");
