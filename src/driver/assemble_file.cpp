@@ -31,7 +31,9 @@ void OpenListFile(Assembler& as) {
   }
   as.ListStream = OpenForRewrite(as.ListName);
   if (as.ListStream == nullptr) FatalExit(as, "Cannot open list file", as.ListName);
-  as.Buffers.Attach(as.ListStream);
+  // The list text gathers in the run's list buffer, which hands it over in
+  // large pieces: a stream buffer as well would only copy it once more.
+  std::setvbuf(as.ListStream, nullptr, _IONBF, 0);
 }
 
 FILE* OpenTemporary(Assembler& as, std::string& name, bool& exists, bool buffered) {
