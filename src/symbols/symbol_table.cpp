@@ -120,8 +120,13 @@ void SymbolTable::Grow() {
   for (uint32_t index = 0; index < count_; ++index) PlaceInIndex(At(index).hash, index);
 }
 
-std::string_view SymbolTable::StoreName(std::string_view name) {
+std::string_view SymbolTable::StoreName(SymbolEntry& entry, std::string_view name) {
   size_t needed = name.size() + 1;
+  if (needed <= SymbolEntry::kInlineName) {
+    std::memcpy(entry.inlineName, name.data(), name.size());
+    entry.inlineName[name.size()] = '\0';
+    return {entry.inlineName, name.size()};
+  }
   if (namesUsed_ + needed > kArenaBlock) {
     names_ = static_cast<char*>(arena_.Take(std::max(kArenaBlock, needed)));
     namesUsed_ = 0;
@@ -167,7 +172,7 @@ SymbolEntry* SymbolTable::Insert(const SymbolEntry& entry, bool noCase) {
   if ((index & (kChunkSize - 1)) == 0)
     entryChunks_.push_back(static_cast<SymbolEntry*>(arena_.Take(kChunkSize * sizeof(SymbolEntry))));
   SymbolEntry& stored = *new (&At(index)) SymbolEntry(entry);
-  stored.name = StoreName(entry.name);
+  stored.name = StoreName(stored, entry.name);
   stored.chain = static_cast<uint8_t>(ChainIndexOf(stored.name, noCase));
   stored.scope = stored.chain == kFileScopeChain ? fileScope_ : 0;
   stored.hash = Hash(stored.name, stored.scope);

@@ -57,8 +57,11 @@ struct SymbolExtra {
   std::vector<std::string> parameters;  // named macros only
 };
 
-// One symbol. The name lives in the table's arena, followed by a zero byte.
+// One symbol. The name is followed by a zero byte; a short one is kept in
+// the entry itself, so that comparing it reads no other cache line, a longer
+// one in the table's arena.
 struct SymbolEntry {
+  static constexpr size_t kInlineName = 8;  // with the zero byte
   std::string_view name;
   SegmentEntry* segment = nullptr;
   SymbolExtra* extra = nullptr;
@@ -71,6 +74,7 @@ struct SymbolEntry {
   int8_t relocation = REL_NULL;
   uint8_t flags = 0;
   uint8_t chain = 0;  // chain chosen when the name was entered
+  char inlineName[kInlineName] = {};
 
   // The side record, or an empty one for an entry that has none.
   const SymbolExtra& ExtraOrEmpty() const {
@@ -174,7 +178,7 @@ class SymbolTable {
   void Grow();
   void MakeSlots(size_t count);
   void ReleaseSlots();
-  std::string_view StoreName(std::string_view name);
+  std::string_view StoreName(SymbolEntry& entry, std::string_view name);
   const std::vector<uint32_t>& ObservableOrder();
   void SortObservable(std::vector<uint32_t>& indexes) const;
 
