@@ -220,6 +220,7 @@ void AssembleFile(Assembler& as) {
   as.CurrentFileName = FullPath(as.SourceName);
   as.SourceStream = InputFile::Open(as.CurrentFileName, static_cast<char*>(as.Memory.Take(InputFile::kBufferSize)));
   if (as.SourceStream == nullptr) FatalExit(as, "Cannot open source file", as.CurrentFileName);
+  RefuseOutputOverInput(as, *as.SourceStream);
   as.FilesRead.push_back(as.CurrentFileName);
   // Only now is the object name surely the object of this source: a typed
   // word taken for the source must not cost the file named after it.

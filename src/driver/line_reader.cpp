@@ -262,6 +262,14 @@ bool FetchCountedLine(Assembler& as, bool keepCountAtEnd) {
   return FetchCountedLineFully(as, keepCountAtEnd);
 }
 
+void RefuseOutputOverInput(Assembler& as, const InputFile& input) {
+  const bool listOver = !as.ListIsConsole && input.IsNamedBy(as.ListName);
+  if (!listOver && !input.IsNamedBy(as.ObjectName)) return;
+  std::fputs("Source filename duplicated as output filename\n", as.console.out);
+  as.ObjectName.clear();  // a failed run removes its object file, and this one is a source
+  Terminate(as, false);
+}
+
 namespace {
 
 struct IncludeFrame {
@@ -358,6 +366,7 @@ void ReadIncludedFile(Assembler& as, const IncludeName& include) {
   if (!include.angled) as.SourceStream = InputFile::Open(as.CurrentFileName);
   if (as.SourceStream == nullptr) as.SourceStream = OpenFromSearchPath(as, include.name);
   if (as.SourceStream == nullptr) FatalExit(as, "Cannot open include file", include.name);
+  RefuseOutputOverInput(as, *as.SourceStream);
   if (!as.SecondPass) as.FilesRead.push_back(as.CurrentFileName);
   as.InIncludeFile = true;
   OpenFileScope(as);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/platform.h"
+
 namespace ta51 {
 
 namespace {
@@ -48,6 +50,8 @@ bool InputFile::FindPlainEnd() {
   plainEnd_ = std::min(nextReturn_, nextNul_);
   return plainEnd_ > position_;
 }
+
+bool InputFile::IsNamedBy(const std::string& path) const { return NamesOpenFile(path, file_); }
 
 void InputFile::Rewind() {
   std::rewind(file_);

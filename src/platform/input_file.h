@@ -82,6 +82,8 @@ class InputFile {
     return true;
   }
   void Rewind();
+  // Whether `path` names this file (see NamesOpenFile).
+  bool IsNamedBy(const std::string& path) const;
 
  private:
   static constexpr int kNone = -2;

@@ -167,6 +167,12 @@ bool CloseRewritten(FILE* stream) {
   return std::fclose(stream) == 0 && written;
 }
 
+bool NamesOpenFile(const std::string& path, FILE* stream) {
+  struct stat named {}, open {};
+  return stat(path.c_str(), &named) == 0 && fstat(fileno(stream), &open) == 0 && named.st_dev == open.st_dev &&
+         named.st_ino == open.st_ino;
+}
+
 std::string RunTimeText() {
   std::time_t now = std::time(nullptr);
   std::tm parts{};

@@ -59,6 +59,9 @@ FILE* OpenForRewrite(const std::string& path);
 // Flushes `stream`, cuts a regular file at the position written last, and
 // closes it; false if any of that failed.
 bool CloseRewritten(FILE* stream);
+// Whether `path` names the file open as `stream`: the same device and file
+// number, whatever the spelling of the path or the links on the way.
+bool NamesOpenFile(const std::string& path, FILE* stream);
 // The time of the run in the 24 characters of the ctime form. The variable
 // SOURCE_DATE_EPOCH, when set, fixes it, so that listings can be reproduced.
 std::string RunTimeText();

@@ -116,6 +116,26 @@ TEST_F(Driver, ShorterOutputReplacesLongerFiles) {
   EXPECT_EQ(Run({"p.asm", "p.OBJ", "/dev/null", "/NOLOGO"}).status, 0);
 }
 
+// Written over while it is read, a source would feed the run its own
+// listing for ever; a failed run would remove it as its object file.
+TEST_F(Driver, OutputThatIsAnInputUnderAnotherName) {
+  const std::string source = "\tNOP\n\tINCLUDE\tinc.asm\n";
+  Write("p.asm", source);
+  Write("inc.asm", "\tNOP\n");
+  std::filesystem::create_symlink("p.asm", "link.lst");
+  const std::vector<std::vector<std::string>> commands = {
+      {"p.asm", "p.OBJ", "./p.asm"}, {"p.asm", Path("p.asm") + ";"}, {"p.asm", "p.OBJ", "link.lst"},
+      {"p.asm", "p.OBJ", "./inc.asm"}, {"p.asm", "./inc.asm;"}};
+  for (std::vector<std::string> command : commands) {
+    command.push_back("/NOLOGO");
+    RunResult run = Run(command);
+    EXPECT_EQ(run.status, 1) << command[2];
+    EXPECT_NE(run.out.find("Source filename duplicated as output filename\n"), std::string::npos) << run.out;
+    EXPECT_EQ(Read("p.asm"), source) << command[2];
+    EXPECT_TRUE(Exists("inc.asm")) << command[2];
+  }
+}
+
 TEST_F(Driver, ErrorMessageEchoAndFailedRunRemovesObject) {
   Write("bad.OBJ", "stale");
   RunResult run = Assemble("bad.asm", ";first\n FOO BAR\n");
