@@ -99,6 +99,7 @@ class SymbolTable {
   ~SymbolTable();
   SymbolTable(const SymbolTable&) = delete;
   SymbolTable& operator=(const SymbolTable&) = delete;
+  // Empties the table; what it took from the arena stays there until the run ends.
   void Clear();
 
   static int ChainIndexOf(std::string_view name, bool noCase);
