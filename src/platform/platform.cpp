@@ -168,9 +168,9 @@ bool CloseRewritten(FILE* stream) {
 }
 
 bool NamesOpenFile(const std::string& path, FILE* stream) {
-  struct stat named {}, open {};
-  return stat(path.c_str(), &named) == 0 && fstat(fileno(stream), &open) == 0 && named.st_dev == open.st_dev &&
-         named.st_ino == open.st_ino;
+  struct stat named {}, opened {};
+  return stat(path.c_str(), &named) == 0 && fstat(fileno(stream), &opened) == 0 && named.st_dev == opened.st_dev &&
+         named.st_ino == opened.st_ino;
 }
 
 std::string RunTimeText() {
