@@ -13,6 +13,8 @@
 # module and the Intel HEX file into code images, and the images must be
 # equal byte for byte. Then the two are timed in pairs (ta51, as31, ta51,
 # as31 ...) and the median of each is reported, with ta51's peak memory.
+# Last, ta51 alone times the 100k and the 1M program in turn, for the
+# growth from one to the other.
 # Without as31 (not installed, or AS31= set empty) the comparison is skipped
 # and ta51 is timed alone.
 set -euo pipefail
@@ -136,7 +138,24 @@ for program in "dense dense 35000" "symbols-100k symbols 100000" "symbols-1M sym
                     (a == "" ? "-" : sprintf("%.3f", a)), ratio, r / 1024, (s > 0 ? (r - base) * 1024 / s : 0), same }'
 done
 
+# The growth from 100k to 1M lines, timed on its own: ta51 on the two
+# programs in turn (100k, 1M, 100k, ...), so that both meet the machine in
+# the same state and no as31 run of many seconds stands between them.
+scaling_pairs=$((pairs * 2 + 1))
+: >"$work/small.times"
+: >"$work/big.times"
+for ((i = 0; i < scaling_pairs; i++)); do
+  read -r seconds _ _ < <(measure "$work/symbols-100k/ta51" "$ta51" /NOLOGO 'prog.asm;')
+  echo "$seconds" >>"$work/small.times"
+  read -r seconds _ _ < <(measure "$work/symbols-1M/ta51" "$ta51" /NOLOGO 'prog.asm;')
+  echo "$seconds" >>"$work/big.times"
+done
+small_paired=$(median <"$work/small.times")
+big_paired=$(median <"$work/big.times")
+
 echo
 awk -v big="${seconds_of[symbols-1M]}" -v small="${seconds_of[symbols-100k]}" -v base="$base_rss" \
-  'BEGIN { if (small > 0) printf "ta51 time, 1M lines against 100k: %.2f times (10 times the lines)\n", big / small
+    -v bigp="$big_paired" -v smallp="$small_paired" -v n="$scaling_pairs" \
+  'BEGIN { if (small > 0) printf "ta51 time, 1M lines against 100k, from the table: %.2f times (10 times the lines)\n", big / small
+           if (smallp > 0) printf "ta51 time, 1M lines against 100k, %d pairs of ta51 alone: %.3f s against %.3f s, %.2f times\n", n, bigp, smallp, bigp / smallp
            printf "Fixed base: ta51 peak memory on a 20-line program, %.1f MiB\n", base / 1024 }'
