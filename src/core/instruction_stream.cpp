@@ -8,10 +8,13 @@ namespace ta51 {
 
 namespace {
 
-// A record: the length, a flag, and for a reusable instruction this part.
+// A record: the length, the kind, and for a reusable instruction or an EQU
+// a part of one size.
 constexpr size_t kHeadSize = 2;
 constexpr size_t kReusablePartSize = 3 + 1 + 1 + 1 + 2 + 8;
 constexpr size_t kLongestRecord = kHeadSize + kReusablePartSize;
+enum : unsigned char { kPlainInstruction = 0, kReusableInstruction = 1, kDefinition = 2 };
+static_assert(1 + 1 + 2 + 8 + 4 == kReusablePartSize);
 
 void PackReusable(const InstructionRecord& record, unsigned char* out) {
   std::memcpy(out, record.code, 3);
@@ -20,6 +23,22 @@ void PackReusable(const InstructionRecord& record, unsigned char* out) {
   out[5] = record.endStep;
   std::memcpy(out + 6, &record.textLength, 2);
   std::memcpy(out + 8, &record.check, 8);
+}
+
+void PackDefinition(const InstructionRecord& record, unsigned char* out) {
+  out[0] = record.operandStep;
+  out[1] = record.endStep;
+  std::memcpy(out + 2, &record.textLength, 2);
+  std::memcpy(out + 4, &record.check, 8);
+  std::memcpy(out + 12, &record.value, 4);
+}
+
+void UnpackDefinition(const unsigned char* in, InstructionRecord& record) {
+  record.operandStep = in[0];
+  record.endStep = in[1];
+  std::memcpy(&record.textLength, in + 2, 2);
+  std::memcpy(&record.check, in + 4, 8);
+  std::memcpy(&record.value, in + 12, 4);
 }
 
 void UnpackReusable(const unsigned char* in, InstructionRecord& record) {
@@ -67,7 +86,7 @@ void WriteInstructionRecord(Assembler& as) {
   unsigned char* out = Window(as) + reuse.windowUsed;
   InstructionRecord& kept = reuse.kept;
   out[0] = static_cast<unsigned char>(as.CodeLength & 0xFF);
-  out[1] = kept.reusable ? 1 : 0;
+  out[1] = kept.reusable ? kReusableInstruction : kPlainInstruction;
   reuse.windowUsed += kHeadSize;
   if (kept.reusable) {
     PackReusable(kept, out + kHeadSize);
@@ -76,24 +95,38 @@ void WriteInstructionRecord(Assembler& as) {
   kept.reusable = false;
 }
 
+void WriteDefinitionRecord(Assembler& as, const InstructionRecord& record) {
+  StatementReuse& reuse = as.Reuse;
+  if (reuse.windowUsed + kLongestRecord > StatementReuse::kWindowSize) FlushWindow(as);
+  unsigned char* out = Window(as) + reuse.windowUsed;
+  out[0] = 0;
+  out[1] = kDefinition;
+  PackDefinition(record, out + kHeadSize);
+  reuse.windowUsed += kLongestRecord;
+}
+
 void RewindInstructionStream(Assembler& as) {
   FlushWindow(as);
   as.Reuse.windowUsed = as.Reuse.windowFilled = 0;
   if (as.SizeFile != nullptr) std::rewind(as.SizeFile);
 }
 
-const InstructionRecord* NextInstructionRecord(Assembler& as) {
+const InstructionRecord* NextStreamRecord(Assembler& as) {
   StatementReuse& reuse = as.Reuse;
   if (reuse.aheadRead) return &reuse.ahead;
   if (Available(as, kLongestRecord) < kHeadSize) return nullptr;
   const unsigned char* in = Window(as) + reuse.windowUsed;
   InstructionRecord& record = reuse.ahead;
   record.size = in[0];
-  record.reusable = in[1] != 0;
+  record.definition = in[1] == kDefinition;
+  record.reusable = in[1] != kPlainInstruction;
   size_t length = kHeadSize;
   if (record.reusable) {
     if (reuse.windowFilled - reuse.windowUsed < kLongestRecord) return nullptr;  // a cut record ends the stream
-    UnpackReusable(in + kHeadSize, record);
+    if (record.definition)
+      UnpackDefinition(in + kHeadSize, record);
+    else
+      UnpackReusable(in + kHeadSize, record);
     length += kReusablePartSize;
   }
   reuse.windowUsed += length;
@@ -101,9 +134,20 @@ const InstructionRecord* NextInstructionRecord(Assembler& as) {
   return &record;
 }
 
+const InstructionRecord* NextInstructionRecord(Assembler& as) {
+  const InstructionRecord* record = NextStreamRecord(as);
+  while (record != nullptr && record->definition) {
+    TakeStreamRecord(as);
+    record = NextStreamRecord(as);
+  }
+  return record;
+}
+
+void TakeStreamRecord(Assembler& as) { as.Reuse.aheadRead = false; }
+
 int TakeInstructionRecord(Assembler& as) {
   const InstructionRecord* record = NextInstructionRecord(as);
-  as.Reuse.aheadRead = false;
+  TakeStreamRecord(as);
   return record != nullptr ? record->size : 0;
 }
 

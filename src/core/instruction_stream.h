@@ -12,10 +12,18 @@ namespace ta51 {
 void WriteInstructionRecord(Assembler& as);
 // Between the passes: writes what waits and turns the stream back to its start.
 void RewindInstructionStream(Assembler& as);
-// Second pass: the record of the next instruction, read once; nullptr at
-// the end of the stream.
+// First pass, at the end of an EQU the second pass may take as it is.
+void WriteDefinitionRecord(Assembler& as, const InstructionRecord& record);
+// Second pass: the next record of either kind, read once; nullptr at the end
+// of the stream.
+const InstructionRecord* NextStreamRecord(Assembler& as);
+// Second pass: the record of the next instruction, passing over those of
+// EQUs; nullptr at the end of the stream.
 const InstructionRecord* NextInstructionRecord(Assembler& as);
-// Second pass: takes the next record; the length the first pass chose, or 0.
+// Second pass: takes the next record of either kind.
+void TakeStreamRecord(Assembler& as);
+// Second pass: takes the next instruction's record; the length the first
+// pass chose, or 0.
 int TakeInstructionRecord(Assembler& as);
 
 }  // namespace ta51

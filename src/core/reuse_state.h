@@ -11,11 +11,15 @@ namespace ta51 {
 
 // What the first pass records of one instruction in the stream it hands to
 // the second: the length it chose and, for an instruction the second pass
-// may take as it is, its bytes and where its fields end.
+// may take as it is, its bytes and where its fields end. An EQU whose value
+// nothing later can change has a record of its own in the stream, with the
+// value in place of the bytes; the instructions' readers pass over it.
 struct InstructionRecord {
   uint8_t size = 0;
   bool reusable = false;
-  // Only for a reusable instruction:
+  bool definition = false;  // the record of an EQU, always reusable
+  // Only for a reusable instruction or an EQU:
+  int32_t value = 0;        // of the EQU
   uint8_t code[3] = {0, 0, 0};
   uint8_t codeLength = 0;
   uint8_t operandStep = 0;  // from the opcode to the operands
@@ -39,6 +43,7 @@ struct StatementReuse {
   // stops the run if a record it would have taken differs from what it read.
   bool checkOnly = false;
   bool checkPending = false;
+  bool definitionCheckPending = false;  // until the EQU's value is read again
   InstructionRecord checked;
   uint32_t diagnosticsAtCheck = 0;
   int32_t opcodeOffsetAtCheck = 0;
@@ -56,6 +61,7 @@ struct StatementReuse {
     kept = InstructionRecord{};
     aheadRead = false;
     checkPending = false;
+    definitionCheckPending = false;
     windowUsed = windowFilled = 0;
   }
 };

@@ -20,6 +20,7 @@ enum : int {
   kResultNamedMacroCall = 9,
   kResultNoLabel = 12,
   kResultListed = 13,
+  kResultReusedEqu = 14,  // an EQU the first pass kept: its value is restored, nothing is left to do
 };
 
 // Every character of every line passes these, so they are inline.

@@ -233,7 +233,7 @@ int SegmentDirective(Assembler& as) {
     definition.type = T_RSEGMENT;
     DefineSymbol(as, label, definition);
     if (as.LineHasError) return 0;
-    segment->name = as.FoundSymbol->name;
+    segment->name = as.FoundSymbol->Name();
   }
   SymbolEntry* symbol = as.FoundSymbol;
   int32_t kind = ReadAlignment(as, type);
@@ -258,7 +258,7 @@ int RsegDirective(Assembler& as) {
   int type = LookupSymbol(as, as.Line.Here());
   if (as.LineHasError) return 0;
   if (type != T_RSEGMENT) return ReportError(as, 90);
-  std::string name(as.FoundSymbol->name);
+  std::string name(as.FoundSymbol->Name());
   as.Line.offset += static_cast<int32_t>(as.NameBuffer.size());
   SegmentEntry* target = nullptr;
   for (SegmentEntry& segment : as.Segments.entries)

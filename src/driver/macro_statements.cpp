@@ -133,9 +133,8 @@ void DefineMacro(Assembler& as, bool named) {
     return;
   }
   SymbolEntry entry;
-  entry.name = name;
   entry.type = named ? T_NAMEDMACRO : T_MACRO;
-  SymbolEntry* macro = as.Symbols.Insert(entry, as.opt.NOCASE.Value() != 0);
+  SymbolEntry* macro = as.Symbols.Insert(name, entry, as.opt.NOCASE.Value() != 0);
   as.Symbols.ExtraOf(*macro).parameters = std::move(parameters);
   ReadMacroBody(as, *macro, terminator);
 }

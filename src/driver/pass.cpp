@@ -59,6 +59,7 @@ void MarkLabelAtOffset(Assembler& as) {
 // Outside the .a51 dialect a label stands at the first character.
 void FindFirstColumnLabel(Assembler& as) {
   if (ReadName(as, as.Line.Pointer(0))) {
+    if (!as.SecondPass) as.Symbols.Prefetch(as.NameBuffer);
     MarkLabelAtOffset(as);
   } else if (!IsBlank(as.Line.At(0))) {
     ReportError(as, 11);
@@ -185,7 +186,7 @@ void FinishEquOperand(Assembler& as) {
   as.CommentOffset = as.Line.offset;
 }
 
-void ProcessEqu(Assembler& as, int result) {
+void ReadEqu(Assembler& as, int result, int& registerCode) {
   if (result == kResultEqu && !as.LineHasLabel) {
     ReportError(as, 27);
     return;
@@ -199,7 +200,6 @@ void ProcessEqu(Assembler& as, int result) {
     as.OperandOffset = as.Line.offset;
   }
   if (as.InMacroExpansion) SubstituteParameters(as, as.Line.offset, true);
-  int registerCode = -1;
   int32_t value = 0;
   if (!EvaluateEquOperand(as, registerCode, value)) return;
   if (!as.SecondPass) {
@@ -212,6 +212,15 @@ void ProcessEqu(Assembler& as, int result) {
     }
   }
   FinishEquOperand(as);
+}
+
+void ProcessEqu(Assembler& as, int result) {
+  int registerCode = -1;
+  ReadEqu(as, result, registerCode);
+  if (!as.SecondPass)
+    KeepDefinition(as, result, registerCode);
+  else if (as.Reuse.definitionCheckPending)
+    CheckReusedDefinition(as, result, registerCode);
 }
 
 void ProcessSet(Assembler& as) {
@@ -384,8 +393,8 @@ int ReadStatement(Assembler& as) {
   if (as.PercentDialect && first == '%' && TryPercentCall(as)) return kResultInstruction;
   if (!as.SecondPass)
     WatchStatement(as);
-  else if (ReuseStatement(as))
-    return kResultInstruction;
+  else if (int reused = ReuseStatement(as))
+    return reused;
   uint32_t hash = 0;
   std::string_view word = ReadOpcodeWord(as, hash);
   int mnemonic = FindMnemonic(word, hash);
@@ -419,6 +428,8 @@ void AssemblePass(Assembler& as) {
     if (!FetchCountedLine(as, true)) break;
     PrepareFetchedLine(as);
     AssembleLine(as);
+    // A checked EQU record whose line never came to read its value.
+    if (as.Reuse.definitionCheckPending) CheckReusedDefinition(as, kResultNone, -1);
   } while (!as.EndSeen);
 }
 

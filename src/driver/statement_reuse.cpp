@@ -4,7 +4,9 @@
 // second pass makes would pass. The second pass reuses it only as the next
 // instruction of the stream, for a line of the same text at the same address
 // of the same segment under the same options: a 64-bit check of those must
-// match.
+// match. An EQU is kept by the same rules when its value is a plain number;
+// the second pass then restores the value and the cursor instead of reading
+// its expression again.
 #include "driver/statement_reuse.h"
 
 #include <cstdio>
@@ -65,6 +67,40 @@ bool IsFinal(const Assembler& as, int result) {
          as.Line.text.size() <= UINT16_MAX && !IgnoresCase(as);
 }
 
+bool IsFinalDefinition(const Assembler& as, int result, int registerCode) {
+  const StatementReuse& reuse = as.Reuse;
+  return reuse.lineReusable && result == kResultEqu && registerCode < 0 && !as.LineHasError && !as.ExprUndefined &&
+         !as.ExprRelocatable && as.OperandSlot1.text.empty() && as.CurrentSegment != nullptr &&
+         DiagnosticCount(as) == reuse.diagnosticsBefore && FitsByte(as.OperandOffset - reuse.opcodeOffset) &&
+         FitsByte(as.Line.offset - as.OperandOffset) && as.Line.text.size() <= UINT16_MAX && !IgnoresCase(as);
+}
+
+bool Matches(const Assembler& as, const InstructionRecord& record) {
+  return record.reusable && record.textLength == as.Line.text.size() && !IgnoresCase(as) && record.check == CheckOf(as);
+}
+
+[[noreturn]] void StopOnDifference(const Assembler& as, const char* what) {
+  std::fprintf(stderr, "ta51: a reused %s differs from the second reading: %s", what, as.Line.text.c_str());
+  std::abort();
+}
+
+// Second pass: the EQU the next record stands for, restored or, when records
+// are only checked, noted for the check behind its reading.
+int ReuseDefinition(Assembler& as, const InstructionRecord& record) {
+  TakeStreamRecord(as);
+  if (as.Reuse.checkOnly) {
+    as.Reuse.checked = record;
+    as.Reuse.definitionCheckPending = true;
+    as.Reuse.diagnosticsAtCheck = DiagnosticCount(as);
+    as.Reuse.opcodeOffsetAtCheck = as.Line.offset;
+    return 0;
+  }
+  as.OperandOffset = as.Line.offset + record.operandStep;
+  as.Line.offset = as.OperandOffset + record.endStep;
+  as.LineValue = record.value;
+  return kResultReusedEqu;
+}
+
 }  // namespace
 
 void WatchStatement(Assembler& as) {
@@ -88,25 +124,41 @@ void KeepStatement(Assembler& as, int result) {
   kept.textLength = static_cast<uint16_t>(as.Line.text.size());
 }
 
-bool ReuseStatement(Assembler& as) {
-  if (as.CurrentSegment == nullptr || as.InMacroExpansion || as.PercentDialect) return false;
-  const InstructionRecord* record = NextInstructionRecord(as);
-  if (record == nullptr || !record->reusable || record->textLength != as.Line.text.size() || IgnoresCase(as) ||
-      record->check != CheckOf(as))
-    return false;
+void KeepDefinition(Assembler& as, int result, int registerCode) {
+  if (!IsFinalDefinition(as, result, registerCode)) return;
+  InstructionRecord record;
+  record.definition = record.reusable = true;
+  record.check = CheckOf(as);
+  record.value = as.LineValue;
+  record.operandStep = static_cast<uint8_t>(as.OperandOffset - as.Reuse.opcodeOffset);
+  record.endStep = static_cast<uint8_t>(as.Line.offset - as.OperandOffset);
+  record.textLength = static_cast<uint16_t>(as.Line.text.size());
+  WriteDefinitionRecord(as, record);
+}
+
+// An EQU's record that this line does not match belongs to no later line
+// either (lines come in the same order in both passes): it is passed over.
+int ReuseStatement(Assembler& as) {
+  if (as.CurrentSegment == nullptr || as.InMacroExpansion || as.PercentDialect) return 0;
+  const InstructionRecord* record = NextStreamRecord(as);
+  if (record != nullptr && record->definition) {
+    if (Matches(as, *record)) return ReuseDefinition(as, *record);
+    record = NextInstructionRecord(as);
+  }
+  if (record == nullptr || record->definition || !Matches(as, *record)) return 0;
   if (as.Reuse.checkOnly) {
     as.Reuse.checked = *record;
     as.Reuse.checkPending = true;
     as.Reuse.diagnosticsAtCheck = DiagnosticCount(as);
     as.Reuse.opcodeOffsetAtCheck = as.Line.offset;
-    return false;
+    return 0;
   }
   std::memcpy(as.CodeBuffer, record->code, sizeof record->code);
   as.CodeLength = record->codeLength;
   as.OperandOffset = as.Line.offset + record->operandStep;
   as.Line.offset = as.OperandOffset + record->endStep;
   TakeInstructionRecord(as);
-  return true;
+  return kResultInstruction;
 }
 
 void CheckReusedStatement(Assembler& as, int result) {
@@ -120,9 +172,19 @@ void CheckReusedStatement(Assembler& as, int result) {
                     as.OperandSlot1.FixupOffset == 0 && as.OperandSlot2.FixupOffset == 0 &&
                     as.OperandSlot1.text.empty() && as.OperandSlot2.text.empty() &&
                     as.OperandOffset == operandOffset && as.Line.offset == operandOffset + record.endStep;
-  if (same) return;
-  std::fprintf(stderr, "ta51: a reused instruction differs from the second reading: %s", as.Line.text.c_str());
-  std::abort();
+  if (!same) StopOnDifference(as, "instruction");
+}
+
+void CheckReusedDefinition(Assembler& as, int result, int registerCode) {
+  StatementReuse& reuse = as.Reuse;
+  reuse.definitionCheckPending = false;
+  const InstructionRecord& record = reuse.checked;
+  const int32_t operandOffset = reuse.opcodeOffsetAtCheck + record.operandStep;
+  const bool same = result == kResultEqu && registerCode < 0 && !as.LineHasError &&
+                    DiagnosticCount(as) == reuse.diagnosticsAtCheck && as.LineValue == record.value &&
+                    as.ShowLineValue && as.OperandOffset == operandOffset &&
+                    as.Line.offset == operandOffset + record.endStep;
+  if (!same) StopOnDifference(as, "EQU");
 }
 
 }  // namespace ta51

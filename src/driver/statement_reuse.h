@@ -10,11 +10,17 @@ namespace ta51 {
 void WatchStatement(Assembler& as);
 // First pass, after the statement: keeps it when its bytes are final.
 void KeepStatement(Assembler& as, int result);
-// Second pass, before a statement is read: counts it; true when it was kept
-// by the first pass and its bytes and cursor are restored.
-bool ReuseStatement(Assembler& as);
+// First pass, after an EQU's value is read: keeps it when the value is final.
+void KeepDefinition(Assembler& as, int result, int registerCode);
+// Second pass, before a statement is read: when the first pass kept it,
+// restores its bytes or value and its cursor and returns kResultInstruction
+// or kResultReusedEqu; else 0.
+int ReuseStatement(Assembler& as);
 // Second pass, after a statement, when records are only checked: aborts the
 // run if the statement's record differs from what was read.
 void CheckReusedStatement(Assembler& as, int result);
+// The same for an EQU, once its value is read again; registerCode < 0 when
+// no register was read.
+void CheckReusedDefinition(Assembler& as, int result, int registerCode);
 
 }  // namespace ta51

@@ -186,7 +186,7 @@ void WriteSymbol(Assembler& as, Record& record, const SymbolEntry& symbol) {
   const uint32_t number = TakeDebugNumber(as);
   const uint32_t isPublic = symbol.relocation == REL_XDEF ? 1 : 0;
   const int32_t type = symbol.segment != nullptr ? symbol.segment->type : symbol.type;
-  record.Put("NN").Hex(number).Put(",").CountedName(symbol.name).End();
+  record.Put("NN").Hex(number).Put(",").CountedName(symbol.Name()).End();
   record.Put("ATN").Hex(number);
   if (type == T_NUMBER) {
     record.Put(",7,10,").Hex(FixedOrSettable(symbol)).Put(",").Hex(isPublic).Put(",").Value(symbol).End();
@@ -312,7 +312,7 @@ bool WriteConstantBlock(Assembler& as, bool header) {
                          as.ModuleFileName.c_str());
     found = true;
     const uint32_t number = TakeDebugNumber(as);
-    record.Put("NN").Hex(number).Put(",").CountedName(symbol.name).End();
+    record.Put("NN").Hex(number).Put(",").CountedName(symbol.Name()).End();
     record.Put("ATN").Hex(number).Put(",7,10,").Hex(FixedOrSettable(symbol)).Put(",0,").Value(symbol).End();
   });
   if (found && header) WriteCheckedRecord(as, "BE3.\r\n");

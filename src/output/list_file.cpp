@@ -404,7 +404,7 @@ namespace {
 enum class Section { Symbols, Bits, Registers };
 
 bool IsRegisterVariable(const SymbolEntry& symbol) {
-  return symbol.type == T_REGEQU || (symbol.type == T_REGSET && !IsRegisterName(symbol.name));
+  return symbol.type == T_REGEQU || (symbol.type == T_REGSET && !IsRegisterName(symbol.Name()));
 }
 
 bool HiddenPredefined(const Assembler& as, const SymbolEntry& symbol) {
@@ -451,7 +451,7 @@ std::string RegisterNameOf(int32_t value) {
 }
 
 std::string EntryText(const TableLayout& layout, const SymbolEntry& symbol, Section section) {
-  std::string text(symbol.name);
+  std::string text(symbol.Name());
   text += "  ";
   if (text.size() < static_cast<size_t>(layout.MaxName + 2)) text.resize(layout.MaxName + 2, ' ');
   if (section == Section::Registers) return text + Format("%4s  ", RegisterNameOf(symbol.value).c_str());

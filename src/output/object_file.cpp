@@ -170,7 +170,7 @@ void WriteCallTargets(Assembler& as) {
 }
 
 void WritePublic(Assembler& as, const SymbolEntry& symbol, unsigned long number) {
-  WriteObjectRecord(as, "NI%lX,%02X%s.\r\n", number, static_cast<unsigned>(symbol.name.size()), symbol.name.data());
+  WriteObjectRecord(as, "NI%lX,%02X%s.\r\n", number, static_cast<unsigned>(symbol.Name().size()), symbol.Name().data());
   if (symbol.segment != nullptr)
     WriteObjectRecord(as, "ASI%lX,R%X+%X.\r\n", number, symbol.segment->number, static_cast<uint32_t>(symbol.value));
   else if (!symbol.Expression().empty())
@@ -339,9 +339,9 @@ void WriteSymbolRecords(Assembler& as) {
   auto linked = [](const SymbolEntry& symbol) { return symbol.relocation != REL_NULL; };
   as.Symbols.ForEachWhere(linked, [&](const SymbolEntry& symbol) {
     if (symbol.relocation == REL_XREF) {
-      if ((symbol.flags & kSymUsedExternal) || symbol.name == "__cstart")
+      if ((symbol.flags & kSymUsedExternal) || symbol.Name() == "__cstart")
         WriteObjectRecord(as, "NX%X,%02X%s.\r\n", static_cast<uint32_t>(symbol.value),
-                          static_cast<unsigned>(symbol.name.size()), symbol.name.data());
+                          static_cast<unsigned>(symbol.Name().size()), symbol.Name().data());
     } else if (symbol.relocation == REL_XDREF || (symbol.relocation == REL_XDEF && symbol.type == T_DECLARED)) {
       undefined.push_back(&symbol);
     } else if (symbol.relocation == REL_XDEF) {
@@ -349,7 +349,7 @@ void WriteSymbolRecords(Assembler& as) {
     }
   });
   for (const SymbolEntry* symbol : undefined) {
-    as.UndefinedPublicName = symbol->name;
+    as.UndefinedPublicName = symbol->Name();
     ReportError(as, 73, symbol->relocation == REL_XDREF);
   }
 }

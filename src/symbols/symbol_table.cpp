@@ -23,6 +23,12 @@ constexpr auto kFolded = [] {
 
 unsigned char Fold(unsigned char c) { return kFolded[c]; }
 
+uint64_t InlineWord(const SymbolEntry& entry) {
+  uint64_t word;
+  std::memcpy(&word, entry.nameText.inlineName, sizeof word);
+  return word;
+}
+
 bool EqualFolded(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   for (size_t i = 0; i < a.size(); ++i)
@@ -114,18 +120,36 @@ void SymbolTable::PlaceInIndex(uint32_t hash, uint32_t index) {
   slots_[slot] = Slot{hash, index + 1};
 }
 
-// Twice the slots, refilled in the order of entry.
+// Twice the slots, filled from the old ones without reading an entry. The
+// old slots are taken from just behind an empty one, so that every probe
+// sequence is met from its start: entries of equal hash come in the order
+// they were placed, and keep it.
 void SymbolTable::Grow() {
-  MakeSlots(slotCount_ * 2);
-  for (uint32_t index = 0; index < count_; ++index) PlaceInIndex(At(index).hash, index);
+  const Slot* old = slots_;
+  const size_t oldCount = slotCount_;
+  const size_t oldMapped = slotsMapped_;
+  slotsMapped_ = 0;
+  MakeSlots(oldCount * 2);
+  const size_t oldMask = oldCount - 1;
+  size_t start = 0;
+  while (old[start].entry != 0) ++start;  // the index is never full
+  for (size_t step = 1; step <= oldCount; ++step) {
+    const Slot& slot = old[(start + step) & oldMask];
+    if (slot.entry != 0) PlaceInIndex(slot.hash, slot.entry - 1);
+  }
+  if (oldMapped != 0) ReleaseLargeBlock(const_cast<Slot*>(old), oldMapped);
 }
 
-std::string_view SymbolTable::StoreName(SymbolEntry& entry, std::string_view name) {
+// The inline bytes behind a short name stay zero, so that comparing one
+// takes a single 8-byte word.
+void SymbolTable::StoreName(SymbolEntry& entry, std::string_view name) {
   size_t needed = name.size() + 1;
+  entry.nameLength = static_cast<uint16_t>(name.size());
+  entry.nameText = {};
   if (needed <= SymbolEntry::kInlineName) {
-    std::memcpy(entry.inlineName, name.data(), name.size());
-    entry.inlineName[name.size()] = '\0';
-    return {entry.inlineName, name.size()};
+    std::memcpy(entry.nameText.inlineName, name.data(), name.size());
+    entry.flags = static_cast<uint8_t>(entry.flags & ~kSymNameStored);
+    return;
   }
   if (namesUsed_ + needed > kArenaBlock) {
     names_ = static_cast<char*>(arena_.Take(std::max(kArenaBlock, needed)));
@@ -135,7 +159,8 @@ std::string_view SymbolTable::StoreName(SymbolEntry& entry, std::string_view nam
   std::memcpy(stored, name.data(), name.size());
   stored[name.size()] = '\0';
   namesUsed_ += needed;
-  return {stored, name.size()};
+  entry.nameText.storedName = stored;
+  entry.flags |= kSymNameStored;
 }
 
 SymbolEntry* SymbolTable::Find(std::string_view name, bool noCase, bool predefinedEnabled) {
@@ -147,38 +172,46 @@ SymbolEntry* SymbolTable::Find(std::string_view name, bool noCase, bool predefin
   uint32_t scope = chain == kFileScopeChain ? fileScope_ : 0;
   uint32_t hash = Hash(name, scope);
   uint32_t mask = static_cast<uint32_t>(slotCount_ - 1);
+  // A short name as the word its entry holds: zero bytes behind it.
+  const bool shortName = name.size() < SymbolEntry::kInlineName;
+  uint64_t shortWord = 0;
+  if (shortName) std::memcpy(&shortWord, name.data(), name.size());
   SymbolEntry* best = nullptr;
   for (uint32_t slot = hash & mask; slots_[slot].entry != 0; slot = (slot + 1) & mask) {
     if (slots_[slot].hash != hash) continue;
     SymbolEntry& entry = At(slots_[slot].entry - 1);
-    if (entry.chain != chain || entry.scope != scope) continue;
+    if (entry.chain != chain || (chain == kFileScopeChain && entry.scope != scope)) continue;
     if (!predefinedEnabled && (entry.flags & kSymPredefined)) continue;
     if (!noCase) {
-      if (entry.name == name) return &entry;
+      if (shortName ? (entry.flags & kSymNameStored) == 0 && InlineWord(entry) == shortWord
+                    : entry.nameLength == name.size() && (entry.flags & kSymNameStored) != 0 &&
+                          std::memcmp(entry.nameText.storedName, name.data(), name.size()) == 0)
+        return &entry;
       continue;
     }
     // Ignoring case, the first in the chain's order wins: byte order, then
     // the order of entry.
-    if (EqualFolded(entry.name, name) && (best == nullptr || CompareNames(entry.name, best->name, false) < 0))
+    if (EqualFolded(entry.Name(), name) && (best == nullptr || CompareNames(entry.Name(), best->Name(), false) < 0))
       best = &entry;
   }
   return best;
 }
 
-SymbolEntry* SymbolTable::Insert(const SymbolEntry& entry, bool noCase) {
+SymbolEntry* SymbolTable::Insert(std::string_view name, const SymbolEntry& fields, bool noCase) {
+  // Every reader of names stops far below this; the bound keeps the length field exact.
+  name = name.substr(0, UINT16_MAX);
   if (noCase != foldCase_) foldCase_ = noCase;
   if ((count_ + 1) * 4 > slotCount_ * 3) Grow();
   uint32_t index = count_;
   if ((index & (kChunkSize - 1)) == 0)
     entryChunks_.push_back(static_cast<SymbolEntry*>(arena_.Take(kChunkSize * sizeof(SymbolEntry))));
-  SymbolEntry& stored = *new (&At(index)) SymbolEntry(entry);
-  stored.name = StoreName(stored, entry.name);
-  stored.chain = static_cast<uint8_t>(ChainIndexOf(stored.name, noCase));
+  SymbolEntry& stored = *new (&At(index)) SymbolEntry(fields);
+  StoreName(stored, name);
+  stored.chain = static_cast<uint8_t>(ChainIndexOf(name, noCase));
   stored.scope = stored.chain == kFileScopeChain ? fileScope_ : 0;
-  stored.hash = Hash(stored.name, stored.scope);
   ++count_;
-  PlaceInIndex(stored.hash, index);
-  if (stored.name.size() + 1 > longestName_) longestName_ = stored.name.size() + 1;
+  PlaceInIndex(Hash(name, stored.scope), index);
+  if (name.size() + 1 > longestName_) longestName_ = name.size() + 1;
   orderValid_ = false;
   return &stored;
 }
@@ -215,8 +248,8 @@ void SymbolTable::SortObservable(std::vector<uint32_t>& indexes) const {
     const SymbolEntry& x = At(a);
     const SymbolEntry& y = At(b);
     if (x.chain != y.chain) return x.chain < y.chain;
-    int order = fold ? CompareNames(x.name, y.name, true) : 0;
-    if (order == 0) order = x.name.compare(y.name);
+    int order = fold ? CompareNames(x.Name(), y.Name(), true) : 0;
+    if (order == 0) order = x.Name().compare(y.Name());
     return order != 0 ? order < 0 : a < b;
   });
 }

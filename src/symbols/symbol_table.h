@@ -47,6 +47,7 @@ enum : uint8_t {
   kSymText = 1 << 3,
   kSymFlag4 = 1 << 4,
   kSymFlag5 = 1 << 5,
+  kSymNameStored = 1 << 6,  // the name is in the arena, not in the entry
 };
 
 // What few symbols carry: linker text, macro bodies. Kept apart so that the
@@ -57,25 +58,31 @@ struct SymbolExtra {
   std::vector<std::string> parameters;  // named macros only
 };
 
-// One symbol. The name is followed by a zero byte; a short one is kept in
-// the entry itself, so that comparing it reads no other cache line, a longer
-// one in the table's arena.
+// One symbol, 48 bytes. What a look-up reads (the name, the chain, the
+// flags, then type and value) is in the first 16, so that it seldom waits for
+// a second cache line. The name is followed by a zero byte; one of up to
+// 7 characters is kept in the entry itself, a longer one in the table's arena.
 struct SymbolEntry {
   static constexpr size_t kInlineName = 8;  // with the zero byte
-  std::string_view name;
-  SegmentEntry* segment = nullptr;
-  SymbolExtra* extra = nullptr;
+  union {
+    char inlineName[kInlineName];
+    const char* storedName;  // when kSymNameStored is set
+  } nameText = {};
   int32_t value = 0;
-  uint32_t itemCount = 0;
-  uint32_t itemSize = 0;
-  uint32_t hash = 0;          // of the name and scope, kept so that the index grows without reading names
-  uint32_t scope = 0;         // file scope of a `.@` name, else 0
   int8_t type = 0;
   int8_t relocation = REL_NULL;
   uint8_t flags = 0;
   uint8_t chain = 0;  // chain chosen when the name was entered
-  char inlineName[kInlineName] = {};
+  uint32_t scope = 0;         // file scope of a `.@` name, else 0
+  uint16_t nameLength = 0;
+  SegmentEntry* segment = nullptr;
+  SymbolExtra* extra = nullptr;
+  uint32_t itemCount = 0;
+  uint32_t itemSize = 0;
 
+  std::string_view Name() const {
+    return {(flags & kSymNameStored) != 0 ? nameText.storedName : nameText.inlineName, nameLength};
+  }
   // The side record, or an empty one for an entry that has none.
   const SymbolExtra& ExtraOrEmpty() const {
     static const SymbolExtra kNone;
@@ -83,6 +90,7 @@ struct SymbolEntry {
   }
   std::string_view Expression() const { return extra != nullptr ? std::string_view(extra->expression) : std::string_view(); }
 };
+static_assert(sizeof(SymbolEntry) == 48);
 
 constexpr int kChainCount = 57;
 constexpr int kDigitChain = 53;
@@ -104,11 +112,17 @@ class SymbolTable {
 
   static int ChainIndexOf(std::string_view name, bool noCase);
 
+  // Starts loading the index slot where a look-up of `name` begins, so that
+  // a definition found later in the line does not wait for memory.
+  void Prefetch(std::string_view name) const {
+    bool fileScoped = name.size() > 1 && name[0] == '.' && name[1] == '@';
+    __builtin_prefetch(&slots_[Hash(name, fileScoped ? fileScope_ : 0) & (slotCount_ - 1)]);
+  }
   // First entry of that name which is visible, or nullptr.
   SymbolEntry* Find(std::string_view name, bool noCase, bool predefinedEnabled);
-  // Enters a copy of `entry`, its name copied into the arena; it comes
-  // behind every entry of the same name.
-  SymbolEntry* Insert(const SymbolEntry& entry, bool noCase);
+  // Enters `name` with the other fields of `fields`; it comes behind every
+  // entry of the same name.
+  SymbolEntry* Insert(std::string_view name, const SymbolEntry& fields, bool noCase);
   // The side record of an entry, made when first asked for.
   SymbolExtra& ExtraOf(SymbolEntry& entry);
   // Sets or clears the linker text of an entry.
@@ -179,7 +193,7 @@ class SymbolTable {
   void Grow();
   void MakeSlots(size_t count);
   void ReleaseSlots();
-  std::string_view StoreName(SymbolEntry& entry, std::string_view name);
+  void StoreName(SymbolEntry& entry, std::string_view name);
   const std::vector<uint32_t>& ObservableOrder();
   void SortObservable(std::vector<uint32_t>& indexes) const;
 

@@ -106,7 +106,6 @@ void DefineSymbol(Assembler& as, const char* name, const SymbolDefinition& d) {
   SymbolEntry* found = as.FoundSymbol;
   if (found == nullptr) {
     SymbolEntry entry;
-    entry.name = as.NameBuffer;
     entry.value = d.value;
     entry.type = static_cast<int8_t>(d.type);
     entry.segment = d.segment;
@@ -116,7 +115,7 @@ void DefineSymbol(Assembler& as, const char* name, const SymbolDefinition& d) {
     entry.flags = static_cast<uint8_t>((d.settable ? kSymSettable : 0) | (d.predefined ? kSymPredefined : 0) |
                                        (as.ItemIsText ? kSymText : 0) | (d.flag4 ? kSymFlag4 : 0) |
                                        (d.flag5 ? kSymFlag5 : 0));
-    as.FoundSymbol = as.Symbols.Insert(entry, NoCase(as));
+    as.FoundSymbol = as.Symbols.Insert(as.NameBuffer, entry, NoCase(as));
     as.Symbols.SetExpression(*as.FoundSymbol, d.expression);
     return;
   }

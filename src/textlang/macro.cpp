@@ -55,10 +55,9 @@ void DefineArgumentCount(Assembler& as, int32_t count) {
     SymbolEntry* symbol = FindSymbol(as, name);
     if (symbol == nullptr) {
       SymbolEntry entry;
-      entry.name = name;
       entry.type = T_MACROVALUE;
       entry.value = count;
-      as.Symbols.Insert(entry, NoCase(as));
+      as.Symbols.Insert(name, entry, NoCase(as));
     } else if (symbol->type == T_MACROVALUE) {
       symbol->value = count;
       as.Symbols.SetExpression(*symbol, {});

@@ -150,8 +150,8 @@ TEST_F(ListFileTest, LineLimitCarriesTheCommentIntoFollowingRows) {
 
 void Add(Assembler& as, const char* name, int32_t type, int32_t value, uint8_t flags = 0) {
   SymbolEntry entry;
-  entry.name = name, entry.type = type, entry.value = value, entry.flags = flags;
-  as.Symbols.Insert(entry, false);
+  entry.type = type, entry.value = value, entry.flags = flags;
+  as.Symbols.Insert(name, entry, false);
 }
 
 TEST_F(ListFileTest, SymbolTableSectionsRowsAndBanks) {

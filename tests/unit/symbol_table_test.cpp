@@ -55,7 +55,7 @@ class SymbolTableTest : public ::testing::Test {
   }
   std::vector<std::string> Order() {
     std::vector<std::string> names;
-    as.Symbols.ForEach([&](const SymbolEntry& entry) { names.emplace_back(entry.name); });
+    as.Symbols.ForEach([&](const SymbolEntry& entry) { names.emplace_back(entry.Name()); });
     return names;
   }
 
@@ -144,6 +144,30 @@ TEST_F(SymbolTableTest, NamesAreFoundAfterTheIndexGrows) {
   EXPECT_EQ(Find("N7"), nullptr);
   EXPECT_EQ(Define("N7", T_NUMBER, 70), "");
   EXPECT_EQ(Find("N7")->value, 70);
+}
+
+// Two entries of one name keep their order through every growth of the
+// index, wherever their probe sequence lies, also across its end.
+TEST_F(SymbolTableTest, EqualNamesKeepTheirOrderAsTheIndexGrows) {
+  constexpr int kPairs = 3000;
+  SymbolDefinition predefined;
+  predefined.type = T_DATA;
+  predefined.predefined = true;
+  predefined.checkReserved = false;
+  for (int index = 0; index < kPairs; ++index) {
+    predefined.value = index;
+    DefineSymbol(as, ("Q" + std::to_string(index) + "\n").c_str(), predefined);
+    as.opt.PredefinedSymbolsEnabled.bits = 0;
+    ASSERT_EQ(Define("Q" + std::to_string(index), T_CODE, index + kPairs), "");
+    as.opt.PredefinedSymbolsEnabled.bits = 1;
+  }
+  for (int index = 0; index < kPairs; ++index) {
+    const std::string name = "Q" + std::to_string(index);
+    ASSERT_EQ(Find(name)->value, index) << name;
+    as.opt.PredefinedSymbolsEnabled.bits = 0;
+    ASSERT_EQ(Find(name)->value, index + kPairs) << name;
+    as.opt.PredefinedSymbolsEnabled.bits = 1;
+  }
 }
 
 TEST_F(SymbolTableTest, CaseFolding) {
