@@ -12,8 +12,9 @@ namespace ta51 {
 // returns the exit status: 0, 1 or 2.
 // What a test or fuzzer asks a run to check besides its own work.
 struct RunChecks {
-  // The second pass reads every instruction again and stops the run (abort)
-  // if the first pass recorded it for reuse with other bytes.
+  // The second pass reads every instruction and EQU again and stops the run
+  // (abort) if the first pass recorded it for reuse with other bytes, another
+  // value or another cursor.
   bool reusedInstructions = false;
 };
 

@@ -1,7 +1,8 @@
-// The second pass takes from the first the instructions that nothing later
-// can change. Taken or read again, the run must write the same bytes: every
-// golden source and example is assembled both ways, and the second way also
-// compares each record with what it reads (a difference aborts the run).
+// The second pass takes from the first the instructions and EQU values that
+// nothing later can change. Taken or read again, the run must write the same
+// bytes: every golden source and example is assembled both ways, and the
+// second way also compares each record with what it reads (a difference
+// aborts the run).
 #include <gtest/gtest.h>
 
 #include <cstdio>
