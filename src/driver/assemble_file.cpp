@@ -213,7 +213,7 @@ void ResetPassState(Assembler& as) {
   as.Reuse.StartPass();
 }
 
-void AssembleFile(Assembler& as) {
+bool AssembleFile(Assembler& as) {
   SetOptionFlag(as, as.opt.PredefinedSymbolsEnabled, 1);
   EnterAllPredefinedSymbols(as, false);
   as.DebugFileSeen = false;
@@ -247,7 +247,9 @@ void AssembleFile(Assembler& as) {
   }
   if (as.ErrorCount > 0) std::remove(as.ObjectName.c_str());
   as.SourceStream.reset();
-  Terminate(as, as.ErrorCount == 0);
+  // A run that reaches its end returns: the first exception thrown in a
+  // process makes the runtime sort the unwind tables, a cost every run paid.
+  return as.ErrorCount == 0;
 }
 
 }  // namespace ta51

@@ -176,7 +176,7 @@ void SettleFileNames(Assembler& as, const std::vector<std::string>& arguments) {
   as.ListIsConsole = EqualsIgnoringCase(as.ListName, "CON.LST");
 }
 
-void RunCommandLine(Assembler& as, const std::vector<std::string>& arguments) {
+bool RunCommandLine(Assembler& as, const std::vector<std::string>& arguments) {
   as.CommandLinePhase = true;
   for (const std::string& argument : arguments)
     if (IsOptionArgument(argument)) ProcessOptionArgument(as, argument);
@@ -186,7 +186,7 @@ void RunCommandLine(Assembler& as, const std::vector<std::string>& arguments) {
   as.CommandLinePhase = false;
   as.PageWidth = 80;
   as.PageLength = 66;
-  AssembleFile(as);
+  return AssembleFile(as);
 }
 
 // A failed run leaves no object file behind, whatever stood there before.
@@ -218,7 +218,7 @@ int RunAssembler(const std::vector<std::string>& commandLine, Console console, R
   bool success = false;
   try {
     try {
-      RunCommandLine(as, arguments);
+      success = RunCommandLine(as, arguments);
     } catch (const std::bad_alloc&) {
       ReportError(as, 24, false);
     }

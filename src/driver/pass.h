@@ -6,7 +6,9 @@
 
 namespace ta51 {
 
-void AssembleFile(Assembler& as);
+// The whole assembly of the settled source; true when it succeeded. A run
+// that must stop early unwinds through Terminate instead.
+bool AssembleFile(Assembler& as);
 void ResetPassState(Assembler& as);
 void AssemblePass(Assembler& as);
 int ProcessStatement(Assembler& as);
