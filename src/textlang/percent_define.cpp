@@ -123,7 +123,9 @@ void ReadLocals(Assembler& as, Definition& definition) {
   if (!LocalKeywordAt(line)) return;
   line.offset += 5;
   while (true) {
-    SkipBlanks(as);
+    // Any white space separates the names (a form feed too), so that each
+    // turn of the loop takes at least one character.
+    while (line.Peek() != '\n' && IsWhiteSpace(line.Peek())) ++line.offset;
     char c = line.Peek();
     if (c == '(' || c == ';' || c == '\n' || c == '\0') return;
     int32_t start = line.offset;

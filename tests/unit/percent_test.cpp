@@ -48,6 +48,14 @@ TEST_F(Percent, BothPassesAgreeOnRedefinitionsAndLocalNames) {
   EXPECT_EQ(Loads(locals), "LR80FE. LR80FE. LR0000. LR0002. ");
 }
 
+// White space other than blanks and tabs separates local names too; a form
+// feed once made the reader take empty names without end.
+TEST_F(Percent, AnyWhiteSpaceSeparatesLocalNames) {
+  const std::string source = "%*DEFINE (L) LOCAL X\fY\vZ (%X: NOP\n%Y: NOP\n%Z: NOP)\n\tCSEG AT 0\n\t%L\n"
+                             "\tDW X00, Y00, Z00\n";
+  EXPECT_EQ(Loads(source), "LR00. LR00. LR00. LR0000. LR0001. LR0002. ");
+}
+
 // The counter runs on in hexadecimal; the 257th call gets three digits.
 TEST_F(Percent, LocalNamesTakeThreeDigitsFromTheInstance256On) {
   std::string source = "%*DEFINE (L) LOCAL X (%X: NOP)\n%*DEFINE (N) (NOP)\n\tCSEG AT 0\n" +
