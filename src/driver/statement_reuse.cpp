@@ -136,16 +136,15 @@ void KeepDefinition(Assembler& as, int result, int registerCode) {
   WriteDefinitionRecord(as, record);
 }
 
-// An EQU's record that this line does not match belongs to no later line
-// either (lines come in the same order in both passes): it is passed over.
+// An EQU's record that this line does not match stays: it may be the
+// record of a later line, as a line between them (a directive, an EQU that
+// was not kept) has none. One still there when an instruction takes its own
+// record was left behind, and the instruction passes over it.
 int ReuseStatement(Assembler& as) {
   if (as.CurrentSegment == nullptr || as.InMacroExpansion || as.PercentDialect) return 0;
   const InstructionRecord* record = NextStreamRecord(as);
-  if (record != nullptr && record->definition) {
-    if (Matches(as, *record)) return ReuseDefinition(as, *record);
-    record = NextInstructionRecord(as);
-  }
-  if (record == nullptr || record->definition || !Matches(as, *record)) return 0;
+  if (record == nullptr || !Matches(as, *record)) return 0;
+  if (record->definition) return ReuseDefinition(as, *record);
   if (as.Reuse.checkOnly) {
     as.Reuse.checked = *record;
     as.Reuse.checkPending = true;
