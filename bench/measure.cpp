@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
   rusage usage{};
   getrusage(RUSAGE_CHILDREN, &usage);
   int status = WIFEXITED(wait) ? WEXITSTATUS(wait) : 128 + WTERMSIG(wait);
-  std::fprintf(stderr, "wall=%.3f maxrss_kb=%ld status=%d\n", wall.count(), usage.ru_maxrss,
+  std::fprintf(stderr, "wall=%.6f maxrss_kb=%ld status=%d\n", wall.count(), usage.ru_maxrss,
                status);
   return 0;
 }
