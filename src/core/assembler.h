@@ -6,9 +6,11 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -271,6 +273,20 @@ inline void FlushListBuffer(Assembler& as) {
   ListBuffer& buffer = as.ListPending;
   if (buffer.used != 0 && as.ListStream != nullptr) std::fwrite(buffer.data, 1, buffer.used, as.ListStream);
   buffer.used = 0;
+}
+
+// Appends to the list buffer; text larger than the buffer goes straight on.
+inline void AppendToList(Assembler& as, std::string_view text) {
+  ListBuffer& buffer = as.ListPending;
+  if (text.size() > ListBuffer::kCapacity - buffer.used) {
+    FlushListBuffer(as);
+    if (text.size() > ListBuffer::kCapacity) {
+      if (as.ListStream != nullptr) std::fwrite(text.data(), 1, text.size(), as.ListStream);
+      return;
+    }
+  }
+  std::memcpy(buffer.data + buffer.used, text.data(), text.size());
+  buffer.used += text.size();
 }
 
 }  // namespace ta51

@@ -29,12 +29,13 @@ void CloseAndRemove(Assembler& as, FILE*& file, bool& exists, const std::string&
 
 }  // namespace
 
+// A message joins the list text in the list buffer. The list reaches its
+// stream at once only where its order with the console shows: on the
+// console itself; and before a fatal stop and at the end of the run.
 void EmitMessage(Assembler& as, bool addNewline) {
   if (as.ListStream == nullptr) return;
-  // The list file is flushed only where its order with the console shows:
-  // on the console itself, at a fatal stop and at the end of the run.
-  FlushListBuffer(as);
-  WriteText(as.ListStream, as.MessageBuffer);
+  AppendToList(as, as.MessageBuffer);
+  if (as.ListIsConsole) FlushListBuffer(as);
   if (!ConsoleCopyWanted(as)) return;
   WriteText(as.console.out, as.MessageBuffer);
   if (addNewline) std::fputc('\n', as.console.out);
@@ -65,17 +66,18 @@ int ReportError(Assembler& as, int number, bool withLine, std::string_view detai
     Terminate(as, false);
   }
   EmitMessage(as, true);
-  std::fputc('\n', as.ListStream);
+  AppendToList(as, "\n");
   ++as.LineCount;
   if (!row.noEcho) {
     as.MessageBuffer = EchoOfLine(as);
-    WriteText(as.ListStream, as.MessageBuffer);
+    AppendToList(as, as.MessageBuffer);
     if (ConsoleCopyWanted(as)) {
       WriteText(as.console.out, as.MessageBuffer);
       std::fflush(as.console.out);
     }
   }
   ++as.LineCount;
+  if (as.ListIsConsole) FlushListBuffer(as);
   if (as.CL) Terminate(as, false);
   if (row.fatal) FatalExit(as, "Assembly terminated");
   return 0;
@@ -88,7 +90,8 @@ void ReportWarning(Assembler& as, int number) {
   as.MessageBuffer.assign(1, '\n').append(as.CurrentFileName).append(header);
   if (row.text != nullptr) as.MessageBuffer += row.text;
   EmitMessage(as, true);
-  if (as.ListStream != nullptr) std::fputc('\n', as.ListStream);
+  if (as.ListStream != nullptr) AppendToList(as, "\n");
+  if (as.ListIsConsole) FlushListBuffer(as);
   ++as.LineCount;
   if (as.WX) {
     ++as.ErrorCount;

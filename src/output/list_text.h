@@ -14,19 +14,7 @@
 
 namespace ta51::list_text {
 
-// Appends to the list buffer; text larger than the buffer goes straight on.
-inline void Write(Assembler& as, std::string_view text) {
-  ListBuffer& buffer = as.ListPending;
-  if (text.size() > ListBuffer::kCapacity - buffer.used) {
-    FlushListBuffer(as);
-    if (text.size() > ListBuffer::kCapacity) {
-      std::fwrite(text.data(), 1, text.size(), as.ListStream);
-      return;
-    }
-  }
-  std::memcpy(buffer.data + buffer.used, text.data(), text.size());
-  buffer.used += text.size();
-}
+inline void Write(Assembler& as, std::string_view text) { AppendToList(as, text); }
 
 inline void Write(Assembler& as, char c) {
   ListBuffer& buffer = as.ListPending;

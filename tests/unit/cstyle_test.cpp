@@ -49,6 +49,7 @@ class CStyleLines : public ::testing::Test {
   int32_t Eval(const std::string& expression) { return CConstExpr(as).Evaluate(expression, "#if"); }
   // The list file so far: every report.
   std::string Reports() {
+    FlushListBuffer(as);  // reports wait in the list buffer like listed lines
     std::fflush(as.ListStream);
     std::rewind(as.ListStream);
     std::string all;
@@ -164,6 +165,7 @@ TEST_F(CStyleLines, BoundsOfExpansion) {
   // A call whose arguments bring its own name back escapes the paint and
   // goes round for ever but for the bound of the line.
   Feed("#define R(x) x(x)");
+  FlushListBuffer(as);
   std::fclose(as.ListStream);
   as.ListStream = std::tmpfile();
   EXPECT_FALSE(Feed(" DB R(R)"));
@@ -256,12 +258,14 @@ TEST_F(CStyleLines, ExpressionFailures) {
       {"1 ? 2", "Syntax error : ':' expected in #if expression"},
   };
   for (const auto& [expression, message] : cases) {
+    FlushListBuffer(as);
     std::fclose(as.ListStream);
     as.ListStream = std::tmpfile();
     Eval(expression);
     EXPECT_NE(Reports().find(std::string("Error: ") + message + "\n"), std::string::npos) << expression;
     EXPECT_EQ(Reports().find("Error:", Reports().find("Error:") + 1), std::string::npos) << expression;
   }
+  FlushListBuffer(as);
   std::fclose(as.ListStream);
   as.ListStream = std::tmpfile();
   EXPECT_EQ(Eval("0 && 1/0"), 0);  // not evaluated, not reported

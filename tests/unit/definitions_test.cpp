@@ -75,6 +75,7 @@ TEST(PublicDirective, RefusesAMacroName) {
   ProcessStatement(as);
   EXPECT_TRUE(as.LineHasError);
   EXPECT_EQ(as.ErrorCount, 1);
+  FlushListBuffer(as);
   std::rewind(sink);
   char text[256] = {};
   EXPECT_GT(std::fread(text, 1, sizeof text - 1, sink), 0u);

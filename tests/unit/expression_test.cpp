@@ -55,6 +55,7 @@ class ExpressionTest : public ::testing::Test {
   }
   // Evaluates `source` as a fresh line; the list file then holds only its reports.
   int32_t Eval(const std::string& source, std::string* buffer = nullptr, bool simple = false) {
+    FlushListBuffer(as);  // reports wait in the list buffer like listed lines
     std::fclose(as.ListStream);
     as.ListStream = std::tmpfile();
     as.Line.text = source + "\n";
@@ -72,6 +73,7 @@ class ExpressionTest : public ::testing::Test {
   }
   bool Reported(const std::string& message) {
     std::string all;
+    FlushListBuffer(as);
     std::rewind(as.ListStream);
     for (int c; (c = std::fgetc(as.ListStream)) != EOF;) all.push_back(static_cast<char>(c));
     return all.find("Error: " + message) != std::string::npos;

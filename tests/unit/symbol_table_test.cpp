@@ -27,6 +27,7 @@ class SymbolTableTest : public ::testing::Test {
   std::string Define(const std::string& name, int32_t type, int32_t value = 0, bool settable = false,
                      int32_t relocation = REL_NULL) {
     int before = as.ErrorCount;
+    FlushListBuffer(as);  // reports wait in the list buffer like listed lines
     long start = std::ftell(as.ListStream);
     as.LineHasError = false;
     SymbolDefinition definition;
@@ -36,6 +37,7 @@ class SymbolTableTest : public ::testing::Test {
     definition.relocation = relocation;
     DefineSymbol(as, (name + "\n").c_str(), definition);
     if (as.ErrorCount == before) return "";
+    FlushListBuffer(as);
     std::string listed(static_cast<size_t>(std::ftell(as.ListStream) - start), '\0');
     std::fseek(as.ListStream, start, SEEK_SET);
     size_t got = std::fread(listed.data(), 1, listed.size(), as.ListStream);
